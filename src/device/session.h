@@ -188,10 +188,15 @@ class CameraSession {
   Status SaveFrameAsTiff(const void* frame, const char* path, std::uint32_t colour_correct,
                          std::int32_t amount, std::uint32_t option);
   Status SaveFrameAsJpeg(const void* image, const char* path);
+  // The three times are the bit patterns of 32-bit floats, in milliseconds:
+  // applications have always declared these arguments as integers, and they reach
+  // the still capture unchanged.
   Status CaptureFrameToBitmap(float exposure, std::uint32_t first_output_flag,
-                              float first_output_time, std::uint32_t second_output_flag,
-                              float second_output_time_a, float second_output_time_b,
-                              const char* path, std::uint32_t colour_correct, std::int32_t amount,
+                              std::uint32_t first_output_time_bits,
+                              std::uint32_t second_output_flag,
+                              std::uint32_t second_output_time_a_bits,
+                              std::uint32_t second_output_time_b_bits, const char* path,
+                              std::uint32_t colour_correct, std::int32_t amount,
                               std::uint32_t option);
   Status SetOverlayCallBack(std::uint32_t for_preview, std::uint32_t for_saving,
                             OverlayCallback callback);
