@@ -162,9 +162,8 @@ class CameraSession {
                          std::int32_t amount, std::uint32_t wide);
 
   // Automation (automation/*.cpp)
-  Status AutoExposure(std::uint32_t target_percent, std::uint32_t use_rectangle,
-                      std::uint32_t left, std::uint32_t top, std::uint32_t width,
-                      std::uint32_t height);
+  Status AutoExposure(std::uint32_t target_percent, std::uint32_t use_rectangle, std::uint32_t left,
+                      std::uint32_t top, std::uint32_t width, std::uint32_t height);
   Status WhiteBalance(std::uint32_t use_rectangle, std::uint32_t left, std::uint32_t top,
                       std::uint32_t width, std::uint32_t height, std::uint32_t red_target,
                       std::uint32_t green_target, std::uint32_t blue_target);

@@ -18,9 +18,9 @@ inline constexpr std::uint32_t kSecondGenerationBusAddress = 0x66;
 
 struct LinkState {
   DriverGateway* gateway = nullptr;
-  void* handle = nullptr;          // null: no device, operations return 1
-  std::uint32_t bus_address = 0;   // of the imager on the camera's serial bus
-  std::uint32_t timeout = 0;       // last value the driver accepted
+  void* handle = nullptr;           // null: no device, operations return 1
+  std::uint32_t bus_address = 0;    // of the imager on the camera's serial bus
+  std::uint32_t timeout = 0;        // last value the driver accepted
   std::uint32_t gpo_level[2] = {};  // of GPO lines 1 and 2
 };
 
