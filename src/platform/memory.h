@@ -7,7 +7,8 @@
 
 namespace ormidex::platform {
 
-// Zero-filled memory, aligned for any type, or null. Zero bytes give a valid
+// Zero-filled memory, aligned for any fundamental type (8 bytes on 32-bit Windows,
+// 16 on Linux), or null. Zero bytes give a valid
 // pointer. A size beyond what the address space can hold gives null.
 void* Allocate(std::size_t bytes) noexcept;
 // The same without clearing: for frame and image buffers that are overwritten whole.
