@@ -1,0 +1,98 @@
+// A driver that expects a list of requests, byte for byte, and gives the answers
+// that the test wrote down. Anything else fails the test.
+#ifndef ORMIDEX_TESTS_SUPPORT_SCRIPTED_GATEWAY_H_
+#define ORMIDEX_TESTS_SUPPORT_SCRIPTED_GATEWAY_H_
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <string>
+
+#include "device/driver_gateway.h"
+#include "support/hex.h"
+
+namespace ormidex::testing {
+
+class ScriptedGateway : public device::DriverGateway {
+ public:
+  ~ScriptedGateway() override {
+    for (const Step& step : steps_) {
+      ADD_FAILURE() << "request never came: " << Describe(step.code, step.in);
+    }
+  }
+
+  // The request must carry exactly `in`; the answer is `out`, as many bytes as it
+  // has (an answer in place may be shorter than the record: the rest stays).
+  void Expect(std::uint32_t code, const std::string& in, const std::string& out = "") {
+    steps_.push_back({code, FromHex(in), FromHex(out), true});
+  }
+  // The same for a record that comes back as it was sent.
+  void ExpectEcho(std::uint32_t code, const std::string& record) { Expect(code, record, record); }
+  // The driver fails the request.
+  void ExpectFailure(std::uint32_t code, const std::string& in) {
+    steps_.push_back({code, FromHex(in), {}, false});
+  }
+  bool Done() const { return steps_.empty(); }
+  int opened() const { return opened_; }
+  int closed() const { return closed_; }
+  void set_close_result(bool result) { close_result_ = result; }
+
+  device::DriverHandle Open(const char*, device::DriverShare) override {
+    ++opened_;
+    return this;
+  }
+  bool Close(device::DriverHandle) override {
+    ++closed_;
+    return close_result_;
+  }
+  device::EnumerationResult Enumerate(device::DeviceVisitor&) override {
+    return device::EnumerationResult::kEmptyCategory;
+  }
+
+  bool Control(device::DriverHandle, const device::DriverRequest& request,
+               std::uint32_t* returned) override {
+    const auto* sent = static_cast<const std::uint8_t*>(request.in);
+    const Bytes in(sent, sent + request.in_bytes);
+    if (steps_.empty()) {
+      ADD_FAILURE() << "request not expected: " << Describe(request.code, in);
+      return false;
+    }
+    const Step step = steps_.front();
+    steps_.pop_front();
+    EXPECT_EQ(Describe(request.code, in), Describe(step.code, step.in));
+    if (!step.succeeds) return false;
+    EXPECT_LE(step.out.size(), request.out_bytes) << Describe(request.code, in);
+    const std::size_t bytes = std::min<std::size_t>(step.out.size(), request.out_bytes);
+    if (bytes != 0) std::memcpy(request.out, step.out.data(), bytes);
+    *returned = static_cast<std::uint32_t>(bytes);
+    return true;
+  }
+
+ private:
+  struct Step {
+    std::uint32_t code;
+    Bytes in;
+    Bytes out;
+    bool succeeds;
+  };
+
+  static std::string Describe(std::uint32_t code, const Bytes& in) {
+    return Name(code) + " [" + std::to_string(in.size()) + "] " + ToHex(in.data(), in.size());
+  }
+  static std::string Name(std::uint32_t code) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "0x%06X", code);
+    return text;
+  }
+
+  std::deque<Step> steps_;
+  int opened_ = 0;
+  int closed_ = 0;
+  bool close_result_ = true;
+};
+
+}  // namespace ormidex::testing
+
+#endif  // ORMIDEX_TESTS_SUPPORT_SCRIPTED_GATEWAY_H_
