@@ -13,46 +13,50 @@ namespace {
 constexpr std::uint32_t kWriteStatusPreset = 255;
 constexpr std::uint32_t kAsynchronousWriteLimit = 255;
 
+// Requests for a single register are padded to five words; blocks are not.
+constexpr std::uint32_t kSingleRegisterBytes = 20;
+
+std::uint64_t BlockBytes(std::uint32_t count) {
+  return std::uint64_t{sizeof(RegisterBlockRecord)} + count;
+}
+
 // A register record and its data in one allocation.
 class RegisterRequest {
  public:
-  RegisterRequest(std::uint32_t bus_address, std::uint32_t address, std::uint32_t count)
-      : buffer_(count <= 0xFFFFFFFFu - sizeof(RegisterBlockRecord)
-                    ? platform::Buffer(sizeof(RegisterBlockRecord) + count)
-                    : platform::Buffer()) {
-    if (!buffer_) return;
-    Header() = RegisterBlockRecord{0, bus_address, address, count};
+  RegisterRequest(const RegisterBlockRecord& header, std::uint64_t bytes)
+      : bytes_(static_cast<std::uint32_t>(bytes)),
+        buffer_(bytes <= 0xFFFFFFFFu ? platform::Buffer(static_cast<std::size_t>(bytes))
+                                     : platform::Buffer()) {
+    if (buffer_) Header() = header;
   }
   explicit operator bool() const { return static_cast<bool>(buffer_); }
   RegisterBlockRecord& Header() { return *reinterpret_cast<RegisterBlockRecord*>(buffer_.Bytes()); }
   std::uint8_t* Data() { return buffer_.Bytes() + sizeof(RegisterBlockRecord); }
   bool Send(const CameraSession& session, ControlCode code) {
-    const auto bytes =
-        static_cast<std::uint32_t>(sizeof(RegisterBlockRecord) + Header().byte_count);
-    return session.Control(code, buffer_.Bytes(), bytes, buffer_.Bytes(), bytes);
+    return session.Control(code, buffer_.Bytes(), bytes_, buffer_.Bytes(), bytes_);
   }
 
  private:
+  std::uint32_t bytes_;
   platform::Buffer buffer_;
 };
 
-// Reads count bytes; nothing is stored when the request fails, while a status word
-// that reports a failure comes with the bytes as the driver left them.
-Status ReadBlock(CameraSession& session, std::uint32_t bus_address, std::uint32_t address,
-                 std::uint32_t count, std::uint8_t* data) {
-  RegisterRequest request(bus_address, address, count);
+// Nothing is stored when the request fails, while a status word that reports a
+// failure comes with the bytes as the driver left them.
+Status Read(CameraSession& session, const RegisterBlockRecord& header, std::uint64_t bytes,
+            std::uint8_t* data) {
+  RegisterRequest request(header, bytes);
   if (!request) return kOutOfMemory;
   if (!request.Send(session, CAM_IOCTL_READ_REGISTERS)) return kRequestFailed;
-  std::memcpy(data, request.Data(), count);
+  std::memcpy(data, request.Data(), header.byte_count);
   return MapDriverStatus(request.Header().status);
 }
 
-Status WriteBlock(CameraSession& session, std::uint32_t bus_address, std::uint32_t address,
-                  std::uint32_t count, const std::uint8_t* data, std::uint32_t preset_status) {
-  RegisterRequest request(bus_address, address, count);
+Status Write(CameraSession& session, const RegisterBlockRecord& header, std::uint64_t bytes,
+             const std::uint8_t* data) {
+  RegisterRequest request(header, bytes);
   if (!request) return kOutOfMemory;
-  request.Header().status = preset_status;
-  std::memcpy(request.Data(), data, count);
+  std::memcpy(request.Data(), data, header.byte_count);
   if (!request.Send(session, CAM_IOCTL_WRITE_REGISTERS)) return kRequestFailed;
   return MapDriverStatus(request.Header().status);
 }
@@ -87,21 +91,22 @@ Status StartAsynchronousWrite(AsynchronousWrite* job) {
 Status CameraSession::ReadRegister(std::uint32_t address, std::uint8_t* value) {
   if (value == nullptr) return kNullPointer;
   if (!HasDevice()) return kNoCamera;
-  return ReadBlock(*this, link.bus_address, address, 1, value);
+  return Read(*this, {0, link.bus_address, address, 1}, kSingleRegisterBytes, value);
 }
 
 Status CameraSession::ReadMultRegister(std::uint32_t address, std::uint32_t count,
                                        std::uint8_t* data) {
   if (data == nullptr) return kNullPointer;
   if (!HasDevice()) return kNoCamera;
-  return ReadBlock(*this, link.bus_address, address, count, data);
+  return Read(*this, {0, link.bus_address, address, count}, BlockBytes(count), data);
 }
 
 Status CameraSession::WriteRegister(std::uint32_t address, std::uint8_t value,
                                     std::uint32_t asynchronous) {
   if (!HasDevice()) return kNoCamera;
   if (asynchronous == 0) {
-    return WriteBlock(*this, link.bus_address, address, 1, &value, kWriteStatusPreset);
+    return Write(*this, {kWriteStatusPreset, link.bus_address, address, 1}, kSingleRegisterBytes,
+                 &value);
   }
   AsynchronousWrite* job = AllocateAsynchronousWrite();
   if (job == nullptr) return kOutOfMemory;
@@ -116,7 +121,9 @@ Status CameraSession::WriteMultRegister(std::uint32_t address, std::uint32_t cou
                                         const std::uint8_t* data, std::uint32_t asynchronous) {
   if (data == nullptr) return kNullPointer;
   if (!HasDevice()) return kNoCamera;
-  if (asynchronous == 0) return WriteBlock(*this, link.bus_address, address, count, data, 0);
+  if (asynchronous == 0) {
+    return Write(*this, {0, link.bus_address, address, count}, BlockBytes(count), data);
+  }
 
   // The job is allocated before the count is checked and is not given back when
   // the check fails: deliberate, long-standing behaviour of this call.
@@ -134,13 +141,13 @@ Status CameraSession::ReadExtI2CRegister(std::uint32_t bus_address, std::uint32_
                                          std::uint8_t* value) {
   if (value == nullptr) return kNullPointer;
   if (!HasDevice()) return kNoCamera;
-  return ReadBlock(*this, bus_address, address, 1, value);
+  return Read(*this, {0, bus_address, address, 1}, kSingleRegisterBytes, value);
 }
 
 Status CameraSession::WriteExtI2CRegister(std::uint32_t bus_address, std::uint32_t address,
                                           std::uint8_t value) {
   if (!HasDevice()) return kNoCamera;
-  return WriteBlock(*this, bus_address, address, 1, &value, 0);
+  return Write(*this, {0, bus_address, address, 1}, kSingleRegisterBytes, &value);
 }
 
 Status CameraSession::WriteRegisterPair(std::uint32_t address, std::uint32_t value) {
