@@ -72,7 +72,8 @@ struct AsynchronousWrite {
 // session must outlive it.
 void RunAsynchronousWrite(void* argument) {
   auto* job = static_cast<AsynchronousWrite*>(argument);
-  WriteBlock(*job->session, job->session->link.bus_address, job->address, job->count, job->data, 0);
+  const RegisterBlockRecord header{0, job->session->link.bus_address, job->address, job->count};
+  Write(*job->session, header, BlockBytes(job->count), job->data);
   platform::Release(job);
 }
 
