@@ -66,15 +66,24 @@ RolePixel EdgeRowPixel(const std::uint8_t* row, const std::uint8_t* partner, boo
 }
 
 // A pixel of the first or last column: one neighbouring row, one neighbouring column.
+// In a frame of one row or column the missing neighbour is the row or column itself,
+// which has no green to give at this site.
 template <typename Form>
 RolePixel EdgeColumnPixel(const std::uint8_t* row, const std::uint8_t* partner, bool is_green,
                           std::size_t x, std::size_t neighbour) {
   const Sample own = Form::Load(row, x);
   const Sample beside = Form::Load(row, neighbour);
+  const Sample across = Form::Load(partner, x);
   if (is_green) {
-    return {beside, own, Form::Load(partner, x)};
+    return {beside, own, across};
   }
-  return {own, Mean(beside, Form::Load(partner, x)), Form::Load(partner, neighbour)};
+  Sample green = Mean(beside, across);
+  if (partner == row) {
+    green = beside;
+  } else if (neighbour == x) {
+    green = across;
+  }
+  return {own, green, Form::Load(partner, neighbour)};
 }
 
 // Rows are taken in pairs, and the first and last pixel of a row is formed within
