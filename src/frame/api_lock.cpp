@@ -8,7 +8,7 @@ namespace ormidex::frame {
 
 namespace {
 
-std::atomic<LockPollSleep> poll_sleep{&platform::SleepMilliseconds};
+constinit std::atomic<LockPollSleep> poll_sleep{&platform::SleepMilliseconds};
 
 }  // namespace
 
