@@ -32,8 +32,8 @@ function(ormidex_compile_options target)
     # builds, so float arithmetic is stored at its declared width.
     target_compile_definitions(${target} PRIVATE WINVER=0x0500 _WIN32_WINNT=0x0500 WIN32_LEAN_AND_MEAN
                                                  NOMINMAX)
-    target_compile_options(${target} PRIVATE -march=i686 -mtune=generic -ffloat-store
-                                             $<$<COMPILE_LANGUAGE:CXX>:-fexcess-precision=standard>)
+    # (The compiler offers -fexcess-precision=standard for C only.)
+    target_compile_options(${target} PRIVATE -march=i686 -mtune=generic -ffloat-store)
     target_link_options(${target} PRIVATE -static)
   endif()
 endfunction()

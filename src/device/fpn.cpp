@@ -1,6 +1,7 @@
 #include "device/fpn.h"
 
 #include <cstring>
+#include <initializer_list>
 
 #include "device/session.h"
 #include "frame/startup.h"

@@ -3,6 +3,7 @@
 // and drivers of the field.
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 #include "device/discovery.h"
 #include "device/session.h"

@@ -20,7 +20,9 @@ constexpr ormidex::frame::StartUpSystem kSystem = {
 // Under the system's loader lock: only start-up, which uses user32 and kernel32
 // and starts no thread. The system does not remove the classes of an unloaded
 // library; at the end of the process (reserved is not null) nothing needs to go.
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) {
+extern "C" __attribute__((force_align_arg_pointer)) BOOL WINAPI DllMain(HINSTANCE module,
+                                                                        DWORD reason,
+                                                                        LPVOID reserved) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       library_module = module;
