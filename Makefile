@@ -1,0 +1,56 @@
+# The front door: each target installs what the machine lacks (on Debian, as
+# root), then calls CMake with the preset of the same purpose.
+#
+#   make demo          the simulated camera: open, stream, convert, write pictures
+#   make test          all tests: release, then under the sanitizers
+#   make bench         the benchmarks
+#   make windows       the 32-bit Windows library, its tool and its package
+#   make test-windows  their tests, under Wine
+#   make format        format the sources      make lint   check the sources
+#   make clean         remove everything built
+SETUP := scripts/setup-debian.sh
+JOBS := $(shell nproc 2>/dev/null || echo 2)
+
+.PHONY: all build demo test bench windows test-windows format lint clean
+
+all: build
+
+build:
+	@$(SETUP) build
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS)
+
+demo: build
+	@scripts/demo.sh
+
+test:
+	@$(SETUP) build
+	@scripts/test.sh release asan tsan
+
+bench:
+	@$(SETUP) bench
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS)
+	@scripts/bench.sh
+
+windows:
+	@$(SETUP) windows
+	@scripts/windows-root.sh libjpeg
+	@cmake --preset windows > /dev/null
+	@cmake --build --preset windows -j $(JOBS)
+	@scripts/package-windows.sh
+
+test-windows: windows
+	@scripts/windows-root.sh wine
+	@scripts/test-windows.sh
+
+format:
+	@$(SETUP) format
+	@scripts/sources.sh | xargs clang-format -i
+
+lint:
+	@$(SETUP) format
+	@scripts/lint.sh
+
+clean:
+	rm -rf build dist
