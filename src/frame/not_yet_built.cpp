@@ -21,20 +21,6 @@ Status CameraSession::StopTriggerMode() { return kGeneralFailure; }
 Status CameraSession::ReadCommand(void*, std::uint32_t) { return kGeneralFailure; }
 Status CameraSession::WriteCommand(void*, std::uint32_t) { return kGeneralFailure; }
 
-// Monochrome conversion and colour correction
-Status CameraSession::ConvertMono8BppTo24Bpp(const std::uint8_t*, std::uint32_t, std::uint32_t,
-                                             std::uint8_t*) {
-  return kGeneralFailure;
-}
-Status CameraSession::ConvertMono16BppTo24Bpp(const std::uint8_t*, std::uint32_t, std::uint32_t,
-                                              std::uint8_t*) {
-  return kGeneralFailure;
-}
-Status CameraSession::ColorCorrectRgb(std::uint32_t, std::uint32_t, void*, std::int32_t,
-                                      std::uint32_t) {
-  return kGeneralFailure;
-}
-
 // Automatic control
 Status CameraSession::AutoExposure(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
                                    std::uint32_t, std::uint32_t) {
