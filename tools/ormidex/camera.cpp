@@ -1,0 +1,147 @@
+#include "camera.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "exit_code.h"
+
+namespace ormidex_tool {
+
+namespace {
+
+std::string Hex(OrmidexUInt32 value) {
+  char text[16];
+  std::snprintf(text, sizeof(text), "0x%08X", value);
+  return text;
+}
+
+void SetEnvironment(const char* name, const std::string& value) {
+#ifdef _WIN32
+  _putenv((std::string(name) + "=" + value).c_str());
+#else
+  setenv(name, value.c_str(), 1);
+#endif
+}
+
+}  // namespace
+
+OrmidexUInt32 CountCameras() {
+  OrmidexUInt32 count = 0;
+  Check(OrmidexGetNumberDevices(kDeviceTypeName, &count), "counting the cameras");
+  return count;
+}
+
+void UseSimulator(const std::string& description) {
+  SetEnvironment("ORMIDEX_SIMULATOR", description.empty() ? "1" : description);
+}
+
+Camera::Camera(OrmidexUInt32 index) : index_(index) {
+  const OrmidexUInt32 count = CountCameras();
+  if (count == 0) {
+    throw ToolError(kExitNoCamera,
+                    "no camera is connected; plug one in, or try --simulate for a simulated one");
+  }
+  if (index >= count) {
+    throw ToolError(kExitNoCamera, "there is no camera " + std::to_string(index) +
+                                       "; cameras are numbered from 0, and there " +
+                                       (count == 1 ? "is 1" : "are " + std::to_string(count)));
+  }
+  Check(OrmidexInitialize(kDeviceTypeName, index, &handle_),
+        "opening camera " + std::to_string(index));
+}
+
+Camera::~Camera() {
+  if (handle_ != nullptr) OrmidexUninitialize(&handle_);
+}
+
+bool Camera::IsColour() const {
+  OrmidexUInt32 type = 0;
+  Check(OrmidexGetImagerType(handle_, &type), "reading the imager type");
+  return type == 2;
+}
+
+Geometry Camera::ReadGeometry() const {
+  Geometry geometry;
+  OrmidexUInt32 width = 0;
+  OrmidexUInt32 height = 0;
+  OrmidexUInt32 bits = 0;
+  Check(OrmidexGetSubWindow(handle_, &geometry.factor, &geometry.column, &geometry.row, &width,
+                            &height),
+        "reading the geometry");
+  Check(OrmidexGetDataTransferSize(handle_, &bits), "reading the transfer size");
+  geometry.width = width / geometry.factor;
+  geometry.height = height / geometry.factor;
+  geometry.bytes_per_pixel = bits / 8;
+  return geometry;
+}
+
+std::string Camera::SerialText() const {
+  OrmidexUInt32 serial = 0;
+  return OrmidexGetSerialNumber(handle_, &serial) == ORMIDEX_OK ? Hex(serial) : "unknown";
+}
+
+std::string Camera::FirmwareText() const {
+  OrmidexUInt32 version = 0;
+  return OrmidexGetSoftwareVersion(handle_, &version) == ORMIDEX_OK ? Hex(version) : "unknown";
+}
+
+std::string Camera::TypeText() const { return IsColour() ? "colour" : "monochrome"; }
+
+void Camera::StartStream() { Check(OrmidexStartVideoStream(handle_), "starting the stream"); }
+
+void Camera::ReadFrame(std::vector<unsigned char>& frame) {
+  const OrmidexStatus status =
+      OrmidexReturnVideoData(handle_, static_cast<OrmidexUInt32>(frame.size()), frame.data());
+  if (status == ORMIDEX_REQUEST_FAILED) {
+    throw ToolError(kExitCameraLost,
+                    "the camera delivers no more frames; check that it is still plugged in");
+  }
+  Check(status, "reading a frame");
+}
+
+void Camera::Convert(const std::vector<unsigned char>& frame, const Geometry& geometry,
+                     OrmidexUInt32 algorithm, std::vector<unsigned char>& image) const {
+  const bool wide = geometry.bytes_per_pixel == 2;
+  OrmidexStatus status = ORMIDEX_OK;
+  if (IsColour()) {
+    const auto convert = wide ? OrmidexConvertColor16BppTo24Bpp : OrmidexConvertColor8BppTo24Bpp;
+    status =
+        convert(handle_, frame.data(), geometry.width, geometry.height, image.data(), algorithm);
+  } else {
+    const auto convert = wide ? OrmidexConvertMono16BppTo24Bpp : OrmidexConvertMono8BppTo24Bpp;
+    status = convert(handle_, frame.data(), geometry.width, geometry.height, image.data());
+  }
+  Check(status, "converting the frame");
+}
+
+namespace {
+
+OrmidexUInt32 FindSerial(OrmidexUInt32 serial, const std::string& selector) {
+  const OrmidexUInt32 count = CountCameras();
+  for (OrmidexUInt32 index = 0; index < count; ++index) {
+    Camera camera(index);
+    OrmidexUInt32 value = 0;
+    if (OrmidexGetSerialNumber(camera.handle(), &value) == ORMIDEX_OK && value == serial) {
+      return index;
+    }
+  }
+  throw ToolError(kExitNoCamera, "no camera has the serial number " + selector +
+                                     "; 'ormidex list' shows the cameras");
+}
+
+}  // namespace
+
+OrmidexUInt32 FindCamera(const std::string& selector) {
+  char* end = nullptr;
+  const unsigned long value = std::strtoul(selector.c_str(), &end, 0);
+  if (selector.empty() || *end != '\0' || selector[0] == '-' || value > 0xFFFFFFFFul) {
+    throw ToolError(kExitUsage, "'" + selector +
+                                    "' names no camera: give its number (0, 1, ...) or its "
+                                    "serial number (0x...)");
+  }
+  const auto number = static_cast<OrmidexUInt32>(value);
+  const bool is_serial = selector.rfind("0x", 0) == 0 || selector.rfind("0X", 0) == 0;
+  return is_serial ? FindSerial(number, selector) : number;
+}
+
+}  // namespace ormidex_tool
