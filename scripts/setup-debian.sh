@@ -11,7 +11,8 @@ readonly build_needs="
   libgtest-dev=/usr/include/gtest/gtest.h
   libbenchmark-dev=/usr/include/benchmark/benchmark.h
   libjpeg62-turbo-dev=/usr/include/jpeglib.h
-  libstb-dev=/usr/include/stb/stb_image.h"
+  libstb-dev=/usr/include/stb/stb_image.h
+  libcli11-dev=/usr/include/CLI/CLI.hpp"
 readonly bench_needs="$build_needs libopencv-dev=/usr/include/opencv4/opencv2/core.hpp"
 readonly format_needs="clang-format=clang-format clang-tidy=clang-tidy $build_needs"
 readonly windows_needs="$build_needs
