@@ -35,6 +35,7 @@ class ApiLock {
     std::uint32_t exclusive_pending;
     std::uint32_t exclusive_free;
     std::int32_t shared_count;
+    bool operator==(const State&) const = default;
   };
   State Inspect() noexcept;
 
