@@ -215,7 +215,7 @@ bool SimulatedCamera::AwaitFrame(const Misfortune& misfortune, ExposedFrame* fra
     const Microseconds arrival = have               ? release
                                  : misfortune.never ? deadline
                                                     : stream_.NextArrival(CurrentExposure());
-    if (!WaitUntil(std::min(arrival, deadline), arrival != kNever)) return false;
+    if (!WaitUntil(std::min(arrival, deadline), arrival != kNoMoment)) return false;
   }
 }
 

@@ -11,7 +11,7 @@
 namespace ormidex::simulator {
 
 using Microseconds = std::uint64_t;
-inline constexpr Microseconds kNever = ~Microseconds{0};
+inline constexpr Microseconds kNoMoment = ~Microseconds{0};
 
 class Clock {
  public:

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "device/driver_protocol.h"
+#include "simulator/create.h"
 
 namespace ormidex::simulator {
 namespace {
@@ -190,8 +191,13 @@ int Simulator::OpenHandles() {
                                         [](const auto& handle) { return handle->open.load(); }));
 }
 
-std::unique_ptr<device::DriverGateway> CreateFromDescription(const char* text, std::string* error) {
-  return Simulator::Create(text, error);
+std::unique_ptr<device::DriverGateway> CreateFromDescription(const char* description,
+                                                             std::string* error) {
+  error->clear();
+  std::unique_ptr<Simulator> simulator = Simulator::Create(description, error);
+  if (simulator == nullptr) *error = "out of memory";
+  if (!error->empty()) return nullptr;
+  return simulator;
 }
 
 }  // namespace ormidex::simulator

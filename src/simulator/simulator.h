@@ -65,9 +65,6 @@ class Simulator : public device::DriverGateway {
   std::vector<std::unique_ptr<Handle>> handles_;
 };
 
-// The gateway for a description, as Simulator::Create.
-std::unique_ptr<device::DriverGateway> CreateFromDescription(const char* text, std::string* error);
-
 }  // namespace ormidex::simulator
 
 #endif  // ORMIDEX_SIMULATOR_SIMULATOR_H_

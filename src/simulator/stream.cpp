@@ -156,7 +156,7 @@ bool Stream::Take(ExposedFrame* frame) {
 
 Microseconds Stream::NextArrival(const Exposure& exposure) const {
   if (busy_) return current_.ready;
-  if (!armed_ || !running_ || trigger_period_us_ == 0.0) return kNever;
+  if (!armed_ || !running_ || trigger_period_us_ == 0.0) return kNoMoment;
   const double offset = static_cast<double>(trigger_count_ + 1) * trigger_period_us_;
   return armed_at_ + static_cast<Microseconds>(offset) +
          Duration(triggered_exposure_us_ + exposure.readout_us);

@@ -48,7 +48,7 @@ class Stream {
   void AdvanceTo(Microseconds now, const Exposure& exposure);
   bool Take(ExposedFrame* frame);
   void Flush() { waiting_ = 0; }
-  // When the next frame arrives if nothing is changed; kNever when it depends on
+  // When the next frame arrives if nothing is changed; kNoMoment when it depends on
   // the host or on a trigger.
   Microseconds NextArrival(const Exposure& exposure) const;
 
