@@ -1041,7 +1041,6 @@ ORMIDEX_API OrmidexStatus ORMIDEX_CALL OrmidexGetGamma(OrmidexHandle handle, flo
  * @retval ORMIDEX_NO_CAMERA       no open camera.
  * @retval ORMIDEX_REQUEST_FAILED  the driver failed the request.
  * @retval ORMIDEX_OUT_OF_RANGE    `gamma` is negative.
- * @retval ORMIDEX_OUT_OF_MEMORY   no memory for the request.
  * @return Or the driver's answer.
  * @remark Threads: any; beside other calls.
  */
@@ -1056,7 +1055,6 @@ ORMIDEX_API OrmidexStatus ORMIDEX_CALL OrmidexSetGamma(OrmidexHandle handle, flo
  * @retval ORMIDEX_NO_CAMERA       no open camera.
  * @retval ORMIDEX_NULL_POINTER    `saturation` is null.
  * @retval ORMIDEX_REQUEST_FAILED  the driver failed the request.
- * @retval ORMIDEX_OUT_OF_MEMORY   no memory for the request.
  * @retval ORMIDEX_NOT_SUPPORTED   firmware before 2.2.
  * @remark Threads: any; beside other calls.
  */
@@ -1072,7 +1070,6 @@ ORMIDEX_API OrmidexStatus ORMIDEX_CALL OrmidexGetSaturation(OrmidexHandle handle
  * @retval ORMIDEX_OK              set.
  * @retval ORMIDEX_NO_CAMERA       no open camera.
  * @retval ORMIDEX_REQUEST_FAILED  the driver failed the request.
- * @retval ORMIDEX_OUT_OF_MEMORY   no memory for the request.
  * @retval ORMIDEX_NOT_SUPPORTED   firmware before 2.2.
  * @remark Threads: any; beside other calls.
  */
@@ -1084,10 +1081,9 @@ ORMIDEX_API OrmidexStatus ORMIDEX_CALL OrmidexSetSaturation(OrmidexHandle handle
  *
  * @param handle  the camera.
  * @param source  receives the source, 1 to 4.
- * @retval ORMIDEX_OK             stored.
- * @retval ORMIDEX_NO_CAMERA      no open camera.
- * @retval ORMIDEX_NULL_POINTER   `source` is null.
- * @retval ORMIDEX_NOT_SUPPORTED  a first-generation imager.
+ * @retval ORMIDEX_OK            stored.
+ * @retval ORMIDEX_NO_CAMERA     no open camera.
+ * @retval ORMIDEX_NULL_POINTER  `source` is null.
  * @remark Threads: any; beside other calls.
  */
 ORMIDEX_API OrmidexStatus ORMIDEX_CALL OrmidexGetLightSource(OrmidexHandle handle,
