@@ -1,6 +1,7 @@
 // From an algorithm code to its routine.
 #include "convert/bilinear.h"
 #include "convert/convert.h"
+#include "convert/routines.h"
 #include "convert/samples.h"
 
 namespace ormidex::convert {
@@ -13,9 +14,31 @@ Status Demosaic(const Frame<Form>& frame, std::uint32_t algorithm, std::uint32_t
     case kBilinear:
       Bilinear(frame, bayer_phase, rounding);
       return kOk;
+    case kReplication:
+      Replicate(frame);
+      return kOk;
+    case kEdgeBilinear:
+      EdgeBilinear(frame);
+      return kOk;
+    case kEdgePlane:
+      return EdgePlane(frame);
+    case kLaplacianPlane:
+      return LaplacianPlane(frame);
+    case kVariableGradients:
+      VariableGradients(frame);
+      return kOk;
+    case kGreyHorizontal:
+      GreyFromHorizontalGreen(frame);
+      return kOk;
+    case kGreyEdge:
+      GreyFromEdgeGreen(frame);
+      return kOk;
+    case kGreyLaplacian:
+      GreyFromLaplacianGreen(frame);
+      return kOk;
     default:
-      // TODO: the other codes are being built; until then they refuse.
-      return kGeneralFailure;
+      ShowMosaic(frame);
+      return kOk;
   }
 }
 
