@@ -25,13 +25,21 @@ quietly() {
   fi
 }
 
-# Runs a command inside a root directory, with /proc and /dev of its own. Mounts
-# and processes live in name spaces that end with the command, so nothing stays
-# mounted and no Wine server stays behind, whatever happens.
+# Runs a command inside a root directory, with /proc and /dev of its own and, when
+# $project_mount is set, the project at that place. Mounts and processes live in
+# name spaces that end with the command, so nothing stays mounted and no Wine
+# server stays behind, whatever happens.
 in_root() {
   local root=$1
   shift
   unshare --mount --propagation private --pid --fork --kill-child \
-    sh -c 'mount -t proc proc "$0/proc" && mount --rbind /dev "$0/dev" && exec chroot "$0" "$@"' \
-    "$root" "$@"
+    bash -c 'set -e
+      root=$1 project=$2 place=$3
+      shift 3
+      mount -t proc proc "$root/proc"
+      mount --rbind /dev "$root/dev"
+      [ -z "$place" ] || { mkdir -p "$root$place" && mount --bind "$project" "$root$place"; }
+      # Not exec: the first process of the name space must collect orphans.
+      chroot "$root" "$@" && exit 0 || exit "$?"' \
+    in_root "$root" "$project" "${project_mount-}" "$@"
 }

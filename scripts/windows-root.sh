@@ -15,7 +15,14 @@ source "$(dirname "$0")/windows-common.sh"
 # Raise when the recipe below changes, so that older caches are made anew.
 readonly wine_recipe=1
 readonly libjpeg_recipe=1
-readonly wine_packages="wine32 wine xvfb x11-apps"
+# Python runs the tests inside; Xvfb and x11-apps show windows and photograph them.
+readonly wine_packages="wine32 wine xvfb x11-apps python3"
+
+# A Windows installation as Wine makes it; each test run starts from a copy.
+readonly make_prefix='
+  export HOME=/root WINEPREFIX=/opt/windows WINEARCH=win32 WINEDEBUG=-all
+  export WINEDLLOVERRIDES="mscoree,mshtml="
+  wineboot -i && wine winecfg -v winxp && wineserver -w'
 
 readonly suite=bookworm
 
@@ -61,6 +68,7 @@ make_wine() {
   copy_proxy_settings "$partial"
   quietly "$cache/wine-install.log" in_root "$partial" sh -c \
     "apt-get update && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $wine_packages && apt-get clean"
+  quietly "$cache/wine-prefix.log" in_root "$partial" sh -c "$make_prefix"
   remove_root "$root"
   echo "$wine_recipe" > "$partial/.ormidex-stamp"
   mv "$partial" "$root"
