@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows the library at work: the tool opens a simulated colour camera through the
-# exported functions, streams from it, and writes pictures to look at.
+# Shows the library at work: the tool opens simulated cameras through the exported
+# functions, streams from them, and writes pictures to look at.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,8 +12,16 @@ if [ ! -x "$tool" ]; then
   exit 1
 fi
 mkdir -p "$pictures"
-export ORMIDEX_SIMULATOR=${ORMIDEX_SIMULATOR:-1}
+# A colour camera of each generation and a monochrome one.
+export ORMIDEX_SIMULATOR='generation=2;generation=1;imager=mono'
+
 "$tool" list
+echo
 "$tool" info
-"$tool" capture -o "$pictures/capture.bmp"
-echo "Pictures are in $pictures"
+echo
+"$tool" capture --frames 40 -o "$pictures/colour.bmp"
+"$tool" capture --frames 20 --camera 1 --no-header -o "$pictures/first-generation.bmp"
+"$tool" capture --frames 40 --camera 2 --no-header -o "$pictures/monochrome.bmp"
+"$tool" capture --frames 10 --size 1280x1024 --no-header -o "$pictures/full-frame.bmp"
+echo
+echo "The pictures are in $pictures"

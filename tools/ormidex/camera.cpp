@@ -1,5 +1,6 @@
 #include "camera.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -86,6 +87,21 @@ std::string Camera::FirmwareText() const {
 }
 
 std::string Camera::TypeText() const { return IsColour() ? "colour" : "monochrome"; }
+
+// A frame takes as long as its rows, or as long as its exposure if that is longer.
+double Camera::FrameRateAsked() const {
+  constexpr float kNoLimit = 1e9f;
+  const Geometry geometry = ReadGeometry();
+  OrmidexUInt32 clocking = 0;
+  float exposure_ms = 0.0f;
+  float frame_ms = 0.0f;
+  Check(OrmidexGetImagerClocking(handle_, &clocking), "reading the imager clocking");
+  Check(OrmidexGetExposureTime(handle_, &exposure_ms), "reading the exposure time");
+  Check(OrmidexGetMaxExposureTime(handle_, geometry.factor, geometry.width * geometry.factor,
+                                  geometry.height * geometry.factor, clocking, kNoLimit, &frame_ms),
+        "reading the frame time");
+  return 1000.0 / static_cast<double>(std::max(exposure_ms, frame_ms));
+}
 
 void Camera::StartStream() { Check(OrmidexStartVideoStream(handle_), "starting the stream"); }
 

@@ -45,6 +45,9 @@ class Camera {
   std::string FirmwareText() const;
   std::string TypeText() const;
 
+  // Frames a second that clock, geometry and exposure ask of the imager.
+  double FrameRateAsked() const;
+
   void StartStream();
   // Reads one frame; a camera that delivers none throws.
   void ReadFrame(std::vector<unsigned char>& frame);

@@ -17,6 +17,7 @@ struct CaptureOptions {
   OrmidexUInt32 frames = 1;
   float exposure_ms = -1.0f;
   std::string size;
+  bool no_header = false;
 };
 
 // A setting reaches the frames two exposures later at the most.
@@ -42,6 +43,17 @@ void CheckEnding(const std::string& path) {
   }
 }
 
+void PrintRow(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
+              double reached) {
+  const std::string size = std::to_string(geometry.width) + "x" + std::to_string(geometry.height);
+  if (!options.no_header) {
+    std::printf("%-7s %-11s %-11s %-10s %-10s %s\n", "camera", "imager", "frame", "asked/s",
+                "reached/s", "file");
+  }
+  std::printf("%-7u %-11s %-11s %-10.1f %-10.1f %s\n", camera.index(), camera.TypeText().c_str(),
+              size.c_str(), camera.FrameRateAsked(), reached, options.output.c_str());
+}
+
 void RunCapture(const CaptureOptions& options) {
   CheckEnding(options.output);
   Camera camera(FindCamera(options.camera.camera));
@@ -61,9 +73,7 @@ void RunCapture(const CaptureOptions& options) {
   camera.Convert(frame, geometry, options.algorithm, image);
   Check(OrmidexSaveFrameAsBitmap(camera.handle(), image.data(), options.output.c_str()),
         "writing '" + options.output + "'");
-  std::printf("camera %u  %s  %ux%u  %.1f frames/s  %s\n", camera.index(),
-              camera.TypeText().c_str(), geometry.width, geometry.height,
-              options.frames / elapsed.count(), options.output.c_str());
+  PrintRow(camera, geometry, options, options.frames / elapsed.count());
 }
 
 }  // namespace
@@ -81,6 +91,7 @@ void AddCapture(CLI::App& app) {
   command->add_option("--exposure", options->exposure_ms, "Exposure time in ms")
       ->check(CLI::NonNegativeNumber);
   command->add_option("--size", options->size, "Sub-window size, WIDTHxHEIGHT");
+  command->add_flag("--no-header", options->no_header, "Print the table's row only");
   command->callback([options] {
     options->camera.Apply();
     RunCapture(*options);

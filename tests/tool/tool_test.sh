@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Calls the tool as its users do, rightly and wrongly.
+#
+# usage: tool_test.sh TOOL
+set -u
+tool=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+unset ORMIDEX_SIMULATOR ORMIDEX_TRACE
+passed=0
+failed=0
+
+# check NAME EXIT-CODE PATTERN ARGUMENTS...: the tool must end with the code and
+# say the pattern, on standard error when the code is not 0.
+check() {
+  local name=$1 code=$2 pattern=$3 got
+  shift 3
+  "$tool" "$@" > "$folder/out" 2> "$folder/err"
+  got=$?
+  local stream="$folder/out"
+  [ "$code" = 0 ] || stream="$folder/err"
+  if [ "$got" != "$code" ]; then
+    echo "FAILED $name: exit code $got, expected $code: $(cat "$folder/err")"
+    failed=$((failed + 1))
+  elif ! grep -qE "$pattern" "$stream"; then
+    echo "FAILED $name: expected /$pattern/, got: $(cat "$stream")"
+    failed=$((failed + 1))
+  else
+    passed=$((passed + 1))
+  fi
+}
+
+# The bytes of a little-endian word in a file: word FILE OFFSET
+word() { od -An -tu4 -j "$2" -N 4 "$1" | tr -d ' '; }
+
+expect() {
+  if [ "$2" = "$3" ]; then
+    passed=$((passed + 1))
+  else
+    echo "FAILED $1: $2, expected $3"
+    failed=$((failed + 1))
+  fi
+}
+
+check "no camera is an error" 3 "no camera is connected" list
+check "simulated cameras are listed" 0 "^1 .*monochrome" list --simulate "1;imager=mono"
+check "a bad description names its place" 3 "unknown key 'colour'" list --simulate "colour=1"
+check "info names the generation" 0 "generation 1" info --simulate generation=1
+check "a camera is found by its serial number" 0 "serial number +0x00ABCDEF" \
+  info --simulate "1;serial=0xABCDEF" --camera 0xABCDEF
+check "an unknown serial number" 3 "no camera has the serial number" \
+  info --simulate --camera 0x99
+check "a camera index past the last" 3 "no camera 1" info --simulate --camera 1
+check "a camera that is none" 2 "names no camera" info --simulate --camera first
+check "capture writes a bitmap" 0 "640x480" capture --simulate -o "$folder/a.bmp"
+expect "its width" "$(word "$folder/a.bmp" 18)" 640
+expect "its height" "$(word "$folder/a.bmp" 22)" 480
+expect "its length" "$(stat -c %s "$folder/a.bmp")" $((54 + 640 * 480 * 3))
+check "capture of another size" 0 "320x240" \
+  capture --simulate pace=fast --size 320x240 -o "$folder/b.bmp"
+expect "its length" "$(stat -c %s "$folder/b.bmp")" $((54 + 320 * 240 * 3))
+check "a size beyond the imager" 2 "out of range" \
+  capture --simulate --size 4000x3000 -o "$folder/c.bmp"
+check "a size that is none" 2 "is no size" capture --simulate --size big -o "$folder/c.bmp"
+check "a folder that does not exist" 1 "could not be created" \
+  capture --simulate -o "$folder/none/c.bmp"
+check "a file ending of another kind" 2 "name it" capture --simulate -o "$folder/c.gif"
+check "a missing output file" 2 "required" capture --simulate
+check "a camera unplugged while it streams" 6 "no more frames" \
+  capture --simulate "fault=unplug:400" --frames 2000 -o "$folder/c.bmp"
+check "an unknown option" 2 "not expected" list --frob
+check "an unknown command" 2 "." frob
+check "no command" 2 "subcommand" --
+check "help is not an error" 0 "capture" --help
+
+ORMIDEX_TRACE="$folder/trace" "$tool" capture --simulate -o "$folder/d.bmp" > "$folder/out"
+expect "a trace is one JSON object a line" \
+  "$(python3 -c 'import json,sys; print(all(json.loads(l)["code"] for l in open(sys.argv[1])))' \
+    "$folder/trace")" True
+expect "a frame is traced by its length" \
+  "$(grep -m1 CAM_IOCTL_READ_FRAME "$folder/trace" | grep -c '"length":307200')" 1
+
+echo "$passed passed, $failed failed"
+[ "$failed" = 0 ]
