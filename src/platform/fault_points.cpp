@@ -31,6 +31,10 @@ void RefuseOnceAfter(FaultPoint point, int grants) noexcept {
   Countdown(point).store(grants + 1, std::memory_order_relaxed);
 }
 
+bool RefusalPending(FaultPoint point) noexcept {
+  return Countdown(point).load(std::memory_order_relaxed) > 0;
+}
+
 void ClearFaults() noexcept {
   for (std::atomic<int>& countdown : countdowns) {
     countdown.store(0, std::memory_order_relaxed);

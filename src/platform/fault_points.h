@@ -12,6 +12,8 @@ bool FaultDue(FaultPoint point) noexcept;
 
 // Tests: the resource is granted `grants` more times, then refused once.
 void RefuseOnceAfter(FaultPoint point, int grants) noexcept;
+// Whether a planned refusal is still to come.
+bool RefusalPending(FaultPoint point) noexcept;
 void ClearFaults() noexcept;
 
 }  // namespace ormidex::platform

@@ -33,8 +33,10 @@ class ModelGateway : public device::DriverGateway {
   std::string type_name = "Torvenal(tm) 1394 Camera";
   std::uint32_t bus_address = 0x66;  // where the imager answers; elsewhere requests fail
   std::map<std::uint32_t, std::uint8_t> registers;
+  std::map<std::uint32_t, std::uint8_t> stuck_registers;    // read so whatever is written
   std::map<std::uint32_t, std::uint8_t> command_registers;  // by the address as sent
   std::uint32_t status_word = 0;  // written into the first word of every reply
+  std::map<std::uint32_t, std::uint32_t> status_words;  // the same for one control code
   std::vector<std::string> friendly_names = {"Torvenal(tm) 1394 Camera"};
   std::string device_list;  // the reply to the device-list request
   bool enumerator_available = true;
@@ -85,7 +87,8 @@ class ModelGateway : public device::DriverGateway {
     requests_.push_back(Describe(request));
     if (number == fail_request || fail_codes.count(request.code) != 0) return false;
     if (request.out_bytes != 0 && request.in == request.out && request.out_bytes >= 4) {
-      std::memcpy(request.out, &status_word, 4);
+      const auto own = status_words.find(request.code);
+      std::memcpy(request.out, own != status_words.end() ? &own->second : &status_word, 4);
     }
     *returned = request.out_bytes;
     return Answer(request, returned);
@@ -162,7 +165,9 @@ class ModelGateway : public device::DriverGateway {
     auto* data = static_cast<std::uint8_t*>(request.out) + sizeof(record);
     for (std::uint32_t i = 0; i < record.byte_count; ++i) {
       if (request.code == device::CAM_IOCTL_READ_REGISTERS) {
-        data[i] = registers[record.register_address + i];
+        const auto stuck = stuck_registers.find(record.register_address + i);
+        data[i] =
+            stuck != stuck_registers.end() ? stuck->second : registers[record.register_address + i];
       } else {
         registers[record.register_address + i] = data[i];
       }
