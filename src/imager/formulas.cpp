@@ -4,6 +4,10 @@
 
 #include "device/time_scale.h"
 
+// Each step of a formula that is truncated, or compared, has a name of its own: the
+// 32-bit build computes in wider registers and rounds to double only what is stored,
+// and a time of whole rows must give the same register value in both builds.
+
 namespace ormidex::imager {
 
 namespace {
@@ -43,9 +47,14 @@ std::uint32_t RowLength(std::uint32_t factor) {
 bool ExposureValueFromTime(double time_ms, const PixelClock& clock, std::uint32_t row_length,
                            std::uint32_t image_height, std::uint32_t* value) {
   if (row_length == 0) return false;
-  const double rows = time_ms / (clock.period_ms * row_length) + 0.5;
-  const std::uint32_t exposure = device::TruncateToWord(rows) + (kExposureValueMax - image_height);
-  if (!(rows < 4294967296.0) || exposure > kExposureValueMax) return false;
+  const double row_time = clock.period_ms * row_length;
+  const double rows = time_ms / row_time;
+  const double rounded = rows + 0.5;
+  // Compared before the sum below, so that a huge time cannot wrap into the range.
+  if (!(rounded < kExposureValueMax + 1.0)) return false;
+  const std::uint32_t exposure =
+      device::TruncateToWord(rounded) + (kExposureValueMax - image_height);
+  if (exposure > kExposureValueMax) return false;
   *value = exposure;
   return true;
 }
@@ -53,7 +62,9 @@ bool ExposureValueFromTime(double time_ms, const PixelClock& clock, std::uint32_
 float TimeFromExposureValue(std::uint32_t value, const PixelClock& clock, std::uint32_t row_length,
                             std::uint32_t image_height) {
   const std::uint32_t rows = value - (kExposureValueMax - image_height);
-  return static_cast<float>(row_length * clock.period_ms * rows);
+  const double row_time = row_length * clock.period_ms;
+  const double milliseconds = row_time * rows;
+  return static_cast<float>(milliseconds);
 }
 
 namespace {
@@ -92,9 +103,12 @@ std::uint32_t MinimumRowLength(const RowLengthInput& input) {
   }
   const std::int32_t n = RowsPerPacket(estimate, s, b);
 
-  const double x = older ? (s * n * 0.0203 + 125.0) * f + a : f * 125.0;
+  const double packet_time = s * n * 0.0203;
+  const double older_clocks = (packet_time + 125.0) * f;
+  const double x = older ? older_clocks + a : f * 125.0;
   const double y = older ? n + 1.0 : n;
-  const auto length = static_cast<std::int32_t>(std::ceil(x / y - 43.0));
+  const double clocks = x / y;
+  const auto length = static_cast<std::int32_t>(std::ceil(clocks - 43.0));
   return static_cast<std::uint32_t>(length > a + 10 ? length : a + 10);
 }
 
@@ -105,11 +119,13 @@ constexpr std::uint32_t kFixedRowClocks = 19;
 RowExposure RowsFromTime(double time_ms, double period_ms, std::uint32_t minimum_row_length,
                          const ImagerTiming& timing) {
   const std::uint32_t overhead = timing.blanking_b + timing.blanking_a + kFixedRowClocks;
-  const double rows = time_ms / ((overhead + minimum_row_length) * period_ms);
+  const double row_time = (overhead + minimum_row_length) * period_ms;
+  const double rows = time_ms / row_time;
   if (rows < kExposureRowsMax + 1.0) {
     return {device::TruncateToWord(rows), minimum_row_length, false};
   }
-  const double clocks = time_ms / (period_ms * kExposureRowsMax);
+  const double clock_time = period_ms * kExposureRowsMax;
+  const double clocks = time_ms / clock_time;
   // Compared before the subtraction, so that a huge time cannot wrap.
   const double limit = static_cast<double>(kExposureRowsMax) + overhead;
   const std::uint32_t length =
@@ -120,13 +136,17 @@ RowExposure RowsFromTime(double time_ms, double period_ms, std::uint32_t minimum
 float TimeFromRows(std::uint32_t rows, double period_ms, const ImagerTiming& timing) {
   const std::uint32_t clocks =
       timing.blanking_b + timing.row_length + timing.blanking_a + kFixedRowClocks;
-  return static_cast<float>(clocks * period_ms * rows);
+  const double row_time = clocks * period_ms;
+  const double milliseconds = row_time * rows;
+  return static_cast<float>(milliseconds);
 }
 
 float MaxExposureFirstGeneration(std::uint32_t factor, std::uint32_t height,
                                  const PixelClock& clock) {
-  const double rows = height / factor;
-  return static_cast<float>(rows * RowLength(factor) * clock.period_s * 1000.0);
+  const double clocks = static_cast<double>(height / factor) * RowLength(factor);
+  const double seconds = clocks * clock.period_s;
+  const double milliseconds = seconds * 1000.0;
+  return static_cast<float>(milliseconds);
 }
 
 float MaxExposureSecondGeneration(std::uint32_t factor, std::uint32_t width, std::uint32_t height,
@@ -135,19 +155,35 @@ float MaxExposureSecondGeneration(std::uint32_t factor, std::uint32_t width, std
   const double n = (height + 1) / factor + 1;
   const std::uint32_t clocks = (width + 1) / factor + timing.blanking_b + timing.blanking_a + 29;
   const double row_time = clocks * clock.period_s;
-  const double full_exposure_rate = 1.0 / ((n + 1.0) * row_time);
-  if (full_exposure_rate <= static_cast<double>(frame_rate)) {
-    return static_cast<float>(row_time * n * 1000.0);
+  const double frame_time = (n + 1.0) * row_time;
+  const double full_exposure_rate = 1.0 / frame_time;
+  double seconds = row_time * n;
+  if (!(full_exposure_rate <= static_cast<double>(frame_rate))) {
+    const double rows_a_second = static_cast<double>(frame_rate) * n;
+    const double longest_row = 1.0 / rows_a_second;
+    seconds = longest_row * n;
   }
-  return static_cast<float>(1.0 / (static_cast<double>(frame_rate) * n) * n * 1000.0);
+  const double milliseconds = seconds * 1000.0;
+  return static_cast<float>(milliseconds);
 }
 
+std::uint32_t SettleMilliseconds(std::uint32_t width, std::uint32_t height,
+                                 const PixelClock& clock) {
+  const double row_time = width * clock.settle_ms;
+  const double milliseconds = row_time * height;
+  return device::TruncateToWord(milliseconds);
+}
+
+// Single-precision constants, but no single-precision steps: products of two such
+// values are exact in double, so both builds round the same number.
 float ExposureGainFromCode(std::uint8_t code) {
-  return static_cast<float>(code) * 0.11119f + kExposureGainMin;
+  const double gain = code * static_cast<double>(0.11119f) + static_cast<double>(kExposureGainMin);
+  return static_cast<float>(gain);
 }
 
 std::uint8_t CodeFromExposureGain(float gain) {
-  const float code = (gain - kExposureGainMin) * 8.993614f + 0.5f;
+  const double above = static_cast<double>(gain) - static_cast<double>(kExposureGainMin);
+  const double code = above * static_cast<double>(8.993614f) + 0.5;
   return static_cast<std::uint8_t>(code);
 }
 
@@ -167,10 +203,12 @@ GammaCurve::GammaCurve(double gamma_value, double full, double base)
 
 std::uint32_t GammaCurve::Entry(std::uint32_t index, double x) const {
   constexpr std::uint32_t kToeEntries = 6;
-  const double value =
-      toe && index < kToeEntries
-          ? x * slope
-          : (std::pow(x / full_scale, gamma) * (offset + 1.0) - offset) * full_scale;
+  double value = x * slope;
+  if (!toe || index >= kToeEntries) {
+    const double relative = x / full_scale;
+    const double curve = std::pow(relative, gamma) * (offset + 1.0);
+    value = (curve - offset) * full_scale;
+  }
   return device::TruncateToWord(value + 0.5);
 }
 

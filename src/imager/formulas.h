@@ -81,6 +81,11 @@ float MaxExposureSecondGeneration(std::uint32_t factor, std::uint32_t width, std
                                   const PixelClock& clock, float frame_rate,
                                   const ImagerTiming& timing);
 
+// Time of one frame in whole ms, which a second-generation imager needs before it
+// follows a new video mode.
+std::uint32_t SettleMilliseconds(std::uint32_t width, std::uint32_t height,
+                                 const PixelClock& clock);
+
 // Exposure gain of the second-generation imager, 0.483 to 7.488, and its code.
 inline constexpr float kExposureGainMin = 0.483f;
 inline constexpr float kExposureGainMax = 7.488f;

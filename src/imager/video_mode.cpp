@@ -10,12 +10,11 @@ using namespace imager;
 
 namespace {
 
-// The imager needs the time of one frame before it follows a new mode.
-std::uint32_t SettleMilliseconds(const CameraSession& session) {
+void WaitForFrame(const CameraSession& session) {
   const PixelClock* clock = FindPixelClock(session.exposure.clocking);
-  if (clock == nullptr) return 0;
-  const double milliseconds = session.geometry.width * clock->settle_ms * session.geometry.height;
-  return static_cast<std::uint32_t>(milliseconds);
+  if (clock == nullptr) return;
+  platform::SleepMilliseconds(
+      SettleMilliseconds(session.geometry.width, session.geometry.height, *clock));
 }
 
 }  // namespace
@@ -33,10 +32,10 @@ Status CameraSession::SetVideoMode(std::uint32_t mode) {
   ThreeWordRecord record;
   record.word2 = mode;
   if (!Exchange(CAM_IOCTL_SET_VIDEO_MODE, record)) return kRequestFailed;
-  if (IsSecondGeneration()) platform::SleepMilliseconds(SettleMilliseconds(*this));
+  if (IsSecondGeneration()) WaitForFrame(*this);
   if (Status status = reconfiguration.RestartStream(); status != kOk) return status;
   reconfiguration.LeaveLock();
-  reconfiguration.RestorePreview();
+  if (reconfiguration.PausedPreview()) NotifyPreview(0);
   return MapDriverStatus(record.status);
 }
 
