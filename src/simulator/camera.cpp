@@ -221,7 +221,9 @@ bool SimulatedCamera::AwaitFrame(const Misfortune& misfortune, ExposedFrame* fra
 
 void SimulatedCamera::RunAutomaticExposure(const ExposedFrame& frame) {
   const double mean = picture_.EstimateMean(frame.settings);
-  const double factor = std::clamp(kAutomaticTarget / std::max(mean, 1.0), 0.25, 4.0);
+  const double change = std::clamp(kAutomaticTarget / std::max(mean, 1.0), 0.25, 4.0);
+  // The frame may have been exposed before the last correction.
+  const double factor = change * frame.exposure_us / std::max(CurrentExposure().exposure_us, 1.0);
   if (factor > 0.96 && factor < 1.04) return;
   CatchUp();
   imager_->ScaleExposure(factor);

@@ -388,7 +388,8 @@ bool SimulatedCamera::TriggerMode(const Call& call) {
   std::memcpy(words, call.record, sizeof words);
   CatchUp();
   if (words[1] == 1) {
-    stream_.Arm(clock_.Now(), CaptureMicroseconds(words[2]), description_.trigger_hertz);
+    stream_.Arm(clock_.Now(), CaptureMicroseconds(words[2]), description_.trigger_hertz,
+                description_.trigger == TriggerSource::kSoftware);
   } else {
     stream_.Disarm(clock_.Now());
   }

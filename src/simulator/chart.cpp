@@ -9,7 +9,7 @@ namespace {
 constexpr int kChartWidth = 640;
 constexpr int kChartHeight = 480;
 constexpr double kWhite = 0.9;
-constexpr double kBackground = 0.18;  // the photographer's mid grey
+constexpr double kBackground = 0.42;
 
 constexpr Colour Grey(double level) { return {level, level, level}; }
 
@@ -31,11 +31,11 @@ constexpr Area kMark = {32, 8, 64, 16};
 
 constexpr int kPatchColumns = 6;
 constexpr int kPatchRows = 2;
-// Linear reflectance of everyday surfaces and of saturated paints.
+// Everyday surfaces and saturated paints, as they look on a screen.
 constexpr Colour kPatchColours[kPatchRows * kPatchColumns] = {
-    {0.17, 0.08, 0.06}, {0.55, 0.31, 0.23}, {0.12, 0.20, 0.34}, {0.11, 0.15, 0.06},
-    {0.70, 0.20, 0.03}, {0.15, 0.50, 0.42}, {0.45, 0.03, 0.04}, {0.06, 0.30, 0.07},
-    {0.03, 0.05, 0.30}, {0.80, 0.57, 0.02}, {0.50, 0.09, 0.30}, {0.02, 0.25, 0.38}};
+    {0.40, 0.29, 0.25}, {0.69, 0.53, 0.46}, {0.34, 0.43, 0.55}, {0.33, 0.38, 0.25},
+    {0.77, 0.43, 0.18}, {0.38, 0.66, 0.61}, {0.63, 0.18, 0.21}, {0.25, 0.52, 0.27},
+    {0.18, 0.23, 0.52}, {0.81, 0.70, 0.15}, {0.66, 0.30, 0.52}, {0.15, 0.48, 0.58}};
 
 Colour Patch(int x, int y) {
   const int width = kPatches.width / kPatchColumns;
@@ -67,12 +67,12 @@ Colour ZonePlate(int x, int y) {
   return Grey(0.45 + 0.4 * std::cos(phase));
 }
 
-// Bars from one to eight pixels wide, upright in the upper half, lying below.
+// Bars from two to eight pixels wide, upright in the upper half, lying below.
 Colour Lines(int x, int y) {
   const int along = x - kLines.left;
   const int across = y - kLines.top;
   const bool upright = across < kLines.height / 2;
-  const int width = 1 + along * 8 / kLines.width;
+  const int width = 2 + along * 7 / kLines.width;
   const int position = upright ? along : across;
   return Grey(position / width % 2 == 0 ? kWhite : 0.03);
 }

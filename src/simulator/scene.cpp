@@ -1,8 +1,6 @@
 #include "simulator/scene.h"
 
 #include <algorithm>
-#include <cmath>
-#include <new>
 
 #include "simulator/chart.h"
 #include "simulator/image_file.h"
@@ -58,16 +56,11 @@ class NoiseScene : public Scene {
   std::uint32_t seed_;
 };
 
-// A picture from a file, fitted to the sensor's area. Its bytes are taken as sRGB.
+// A picture from a file, fitted to the sensor's area. Its values are taken as
+// strengths of light, so that a frame taken without gamma looks like the picture.
 class FileScene : public Scene {
  public:
-  explicit FileScene(const std::string& path) : path_(path) {
-    for (int i = 0; i < 256; ++i) {
-      const double v = i / 255.0;
-      const double linear = v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-      linear_[i] = 0.9 * linear;
-    }
-  }
+  explicit FileScene(const std::string& path) : path_(path) {}
 
   bool Prepare(std::string* complaint) override {
     loaded_ = image_.Load(path_.c_str());
@@ -99,7 +92,7 @@ class FileScene : public Scene {
   Colour Pixel(int x, int y) const {
     const std::uint8_t* pixel =
         image_.Pixel(std::min(x, image_.Width() - 1), std::min(y, image_.Height() - 1));
-    return {linear_[pixel[0]], linear_[pixel[1]], linear_[pixel[2]]};
+    return {pixel[0] / 255.0, pixel[1] / 255.0, pixel[2] / 255.0};
   }
 
   static Colour Blend(const Colour& a, const Colour& b, double share) {
@@ -108,7 +101,6 @@ class FileScene : public Scene {
   }
 
   std::string path_;
-  double linear_[256];
   ImageFile image_;
   bool loaded_ = false;
 };

@@ -11,7 +11,7 @@
 namespace ormidex::simulator {
 
 // Linear light in the three colour bands. 1 is what just fills the camera's
-// range at the exposure it is opened with; a white surface has 0.9.
+// range at the exposure it is opened with; the chart's white has 0.9.
 struct Colour {
   double red = 0.0;
   double green = 0.0;

@@ -45,10 +45,11 @@ void Stream::Still(Microseconds now, const Exposure& exposure, double exposure_u
   Begin(now, exposure_us, exposure_us + exposure.readout_us, exposure);
 }
 
-void Stream::Arm(Microseconds now, double exposure_us, double hertz) {
+void Stream::Arm(Microseconds now, double exposure_us, double hertz, bool patient) {
   armed_ = true;
   triggered_exposure_us_ = exposure_us;
   trigger_period_us_ = hertz > 0.0 ? 1e6 / hertz : 0.0;
+  patient_ = patient;
   armed_at_ = now;
   trigger_count_ = 0;
   busy_ = false;
@@ -80,7 +81,7 @@ void Stream::Begin(Microseconds start, double exposure_us, double duration_us,
   current_.settings = exposure.settings;
   for (double& response : current_.settings.response) response *= exposure_us;
   current_.number = next_number_;
-  current_.start = start;
+  current_.exposure_us = exposure_us;
   current_.ready = start + Duration(duration_us);
 }
 
@@ -109,13 +110,18 @@ void Stream::SkipUnseenFrames(Microseconds now, double frame_us) {
   lost_ += static_cast<std::uint32_t>(skipped);
 }
 
-// The first trigger at or after a moment; those before it are missed.
-Microseconds Stream::NextTrigger(Microseconds from) {
+Microseconds Stream::ScheduledTrigger() const {
+  const double offset = static_cast<double>(trigger_count_ + 1) * trigger_period_us_;
+  return armed_at_ + static_cast<Microseconds>(offset);
+}
+
+// The first trigger since the camera became ready; those before are missed.
+Microseconds Stream::NextTrigger() {
   for (;;) {
-    const double offset = static_cast<double>(trigger_count_ + 1) * trigger_period_us_;
-    const Microseconds moment = armed_at_ + static_cast<Microseconds>(offset);
-    if (moment >= from) return moment;
-    const double behind = static_cast<double>(from - moment) / trigger_period_us_;
+    const Microseconds moment = ScheduledTrigger();
+    if (moment >= idle_since_) return moment;
+    if (patient_) return idle_since_;
+    const double behind = static_cast<double>(idle_since_ - moment) / trigger_period_us_;
     const std::uint64_t skipped = behind > 2.0 ? static_cast<std::uint64_t>(behind) : 1;
     trigger_count_ += skipped;
     missed_triggers_ += static_cast<std::uint32_t>(skipped);
@@ -129,7 +135,7 @@ bool Stream::BeginNext(Microseconds now, const Exposure& exposure) {
     return true;
   }
   if (!armed_ || !running_ || trigger_period_us_ == 0.0) return false;
-  const Microseconds trigger = NextTrigger(idle_since_);
+  const Microseconds trigger = NextTrigger();
   if (trigger > now) return false;
   ++trigger_count_;
   Begin(trigger, triggered_exposure_us_, triggered_exposure_us_ + exposure.readout_us, exposure);
@@ -157,8 +163,7 @@ bool Stream::Take(ExposedFrame* frame) {
 Microseconds Stream::NextArrival(const Exposure& exposure) const {
   if (busy_) return current_.ready;
   if (!armed_ || !running_ || trigger_period_us_ == 0.0) return kNoMoment;
-  const double offset = static_cast<double>(trigger_count_ + 1) * trigger_period_us_;
-  return armed_at_ + static_cast<Microseconds>(offset) +
+  return std::max(ScheduledTrigger(), idle_since_) +
          Duration(triggered_exposure_us_ + exposure.readout_us);
 }
 

@@ -25,7 +25,7 @@ struct Exposure {
 struct ExposedFrame {
   FrameSettings settings;
   std::uint32_t number = 0;
-  Microseconds start = 0;
+  double exposure_us = 0.0;
   Microseconds ready = 0;
 };
 
@@ -39,8 +39,9 @@ class Stream {
   // Mode 0 waits for stills and triggers; any other runs freely.
   void SetVideoMode(std::uint32_t mode, Microseconds now);
   void Still(Microseconds now, const Exposure& exposure, double exposure_us);
-  // A hertz of 0 leaves triggering to Fire().
-  void Arm(Microseconds now, double exposure_us, double hertz);
+  // A hertz of 0 leaves triggering to Fire(). A patient source, such as a program,
+  // waits for the camera to be ready; another's edges pass unseen meanwhile.
+  void Arm(Microseconds now, double exposure_us, double hertz, bool patient);
   void Disarm(Microseconds now);
   // False when the camera was not armed or still busy with a frame.
   bool Fire(Microseconds now, const Exposure& exposure);
@@ -64,7 +65,8 @@ class Stream {
   static constexpr int kDriverFrames = 2;
 
   bool FreeRunning() const { return running_ && !paused_ && !armed_ && mode_ != 0; }
-  Microseconds NextTrigger(Microseconds from);
+  Microseconds ScheduledTrigger() const;
+  Microseconds NextTrigger();
   void Begin(Microseconds start, double exposure_us, double duration_us, const Exposure& exposure);
   void Finish();
   void SkipUnseenFrames(Microseconds now, double frame_us);
@@ -77,6 +79,7 @@ class Stream {
   bool armed_ = false;
   double triggered_exposure_us_ = 0.0;
   double trigger_period_us_ = 0.0;  // 0: no periodic source
+  bool patient_ = false;
   Microseconds armed_at_ = 0;
   std::uint64_t trigger_count_ = 0;
 

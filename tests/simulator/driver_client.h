@@ -115,6 +115,29 @@ class DriverClient {
     return Exchange(device::CAM_IOCTL_COMMAND_REGISTER, &record);
   }
 
+  // A window of 640 x 480 at (0, 0) and the nominal exposure, as a host sets up
+  // the second generation: 693 clocks a row, 579 rows exposed.
+  void PrepareSecond() {
+    WriteRegisters(0x66, 69, {0, 16, 479 >> 8, 479 & 255, 0, 9, 639 >> 8, 639 & 255});
+    WriteRegisters(0x66, 80, {579 >> 8, 579 & 255, 650 >> 8, 650 & 255});
+    SetSecondExposure(579);
+  }
+  void SetSecondExposure(int rows) {
+    toggle_ = !toggle_;
+    WriteRegisters(0x66, 79, {static_cast<std::uint8_t>(rows)});
+    WriteRegisters(0x66, 78, {static_cast<std::uint8_t>(rows >> 8 | (toggle_ ? 0x40 : 0))});
+  }
+  // The same of the first generation: 1664 clocks a row, 479 rows exposed.
+  void PrepareFirst() {
+    WriteRegisters(0x60, 4, {0, 4, 0, 4, 640 / 8, 480 / 8});
+    SetFirstExposure(479, 480);
+  }
+  void SetFirstExposure(int rows, int height) {
+    const int value = rows + 2047 - height;
+    WriteRegisters(0x60, 18,
+                   {static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)});
+  }
+
   // --- Streaming ---
 
   bool SetVideoMode(std::uint32_t mode) {
@@ -134,6 +157,15 @@ class DriverClient {
                                               0, 0};
     return Request(device::CAM_IOCTL_START_STREAM, &record, sizeof record, nullptr, 0);
   }
+  // Flushes what was exposed before and reads a frame that began after this call.
+  std::vector<std::uint8_t> FreshFrame(std::uint32_t bytes) {
+    std::vector<std::uint8_t> frame(bytes);
+    EXPECT_TRUE(Request(device::CAM_IOCTL_FLUSH));
+    EXPECT_TRUE(ReadFrame(&frame));
+    EXPECT_TRUE(ReadFrame(&frame));
+    EXPECT_EQ(Returned(), bytes);
+    return frame;
+  }
   bool Stop() { return Request(device::CAM_IOCTL_STOP_STREAM); }
   bool ReadFrame(std::vector<std::uint8_t>* frame) {
     return Request(device::CAM_IOCTL_READ_FRAME, nullptr, 0, frame->data(),
@@ -146,6 +178,7 @@ class DriverClient {
   device::DriverHandle handle_ = nullptr;
   std::uint32_t returned_ = 0;
   std::uint32_t status_ = 0;
+  bool toggle_ = false;
 };
 
 }  // namespace ormidex::simulator
