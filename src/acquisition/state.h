@@ -16,7 +16,8 @@ struct StreamState {
 };
 
 struct TriggerState {
-  // Set when the worker has been started, cleared by the worker as it ends.
+  // Set under the stream lock as the worker is started, cleared by the worker as it
+  // ends: from then on the worker touches nothing of the session.
   std::atomic<std::uint32_t> active{0};
   std::uint32_t option = 1;
   std::uint32_t convert = 0;
@@ -25,16 +26,22 @@ struct TriggerState {
   void* output_buffer = nullptr;  // the application's
   device::TriggerCallback callback = nullptr;
   platform::Event stop_event;
-  // As they were when the capture began.
+  // As they were when the last still or triggered capture began; guarded by the
+  // stream lock.
   std::uint32_t saved_stream_running = 0;
   std::uint32_t saved_video_mode = 0;
   std::uint32_t saved_preview_suspended = 0;
 };
 
 struct CommandState {
+  // Threads that still use the channel: each worker from the moment it is queued,
+  // and each caller until it returns. Leaving is a thread's last touch of the
+  // session, so at 0 the session may go.
   std::atomic<std::uint32_t> active_workers{0};
-  std::uint32_t next_ticket = 0;
-  std::uint32_t now_serving = 0;
+  // Transfers that have ended and whose caller has not come for the result yet.
+  std::atomic<std::uint32_t> untaken_results{0};
+  std::uint32_t next_ticket = 0;  // guarded by the command lock
+  std::uint32_t now_serving = 0;  // belongs to the holder of the channel event
   platform::Event cancel_event;   // set: every transfer is abandoned
   platform::Event channel_event;  // signalled: the channel is free
   platform::Event done_event;     // a transfer someone waits for has ended

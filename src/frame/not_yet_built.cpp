@@ -5,22 +5,6 @@
 
 namespace ormidex::device {
 
-// Stills and triggered frames
-Status CameraSession::ReturnStillFrame(void*, float, std::uint32_t, float, std::uint32_t, float,
-                                       float) {
-  return kGeneralFailure;
-}
-Status CameraSession::ReturnFrameAfterTrigger(float, std::uint32_t, float, std::uint32_t, float,
-                                              float, TriggerCallback, std::uint32_t, void*, void*,
-                                              std::uint32_t) {
-  return kGeneralFailure;
-}
-Status CameraSession::StopTriggerMode() { return kGeneralFailure; }
-
-// Command channel
-Status CameraSession::ReadCommand(void*, std::uint32_t) { return kGeneralFailure; }
-Status CameraSession::WriteCommand(void*, std::uint32_t) { return kGeneralFailure; }
-
 // Automatic control
 Status CameraSession::AutoExposure(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
                                    std::uint32_t, std::uint32_t) {
