@@ -6,12 +6,13 @@
 #   make bench         the benchmarks
 #   make windows       the 32-bit Windows library, its tool and its package
 #   make test-windows  their tests, under Wine
+#   make install        the library, headers, tool and Python module (PREFIX, DESTDIR)
 #   make format        format the sources      make lint   check the sources
 #   make clean         remove everything built
 SETUP := scripts/setup-debian.sh
 JOBS := $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all build demo test bench windows test-windows format lint clean
+.PHONY: all build demo test bench windows test-windows install format lint clean
 
 all: build
 
@@ -43,6 +44,11 @@ windows:
 test-windows: windows
 	@scripts/windows-root.sh wine
 	@scripts/test-windows.sh
+
+PREFIX ?= /usr/local
+
+install: build
+	@cmake --install build/release --prefix $(PREFIX)
 
 format:
 	@$(SETUP) format

@@ -7,7 +7,8 @@ set -euo pipefail
 
 # package=what shows that it is there: a command, or the absolute path of a file
 readonly build_needs="
-  g++=g++ cmake=cmake ninja-build=ninja python3=python3
+  g++=g++ cmake=cmake ninja-build=ninja python3=/usr/bin/python3
+  python3-numpy=/usr/lib/python3/dist-packages/numpy pkg-config=pkg-config
   libgtest-dev=/usr/include/gtest/gtest.h
   libbenchmark-dev=/usr/include/benchmark/benchmark.h
   libjpeg62-turbo-dev=/usr/include/jpeglib.h

@@ -1,0 +1,33 @@
+# What `make install` puts where, and the packages made of it.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS ormidex EXPORT OrmidexTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+if(ORMIDEX_BUILD_TOOL)
+  install(TARGETS ormidex_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
+install(FILES include/ormidex.h include/ormidex.hpp
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ormidex)
+install(EXPORT OrmidexTargets NAMESPACE Ormidex:: DESTINATION ${package_dir}
+  COMPONENT development)
+configure_package_config_file(cmake/OrmidexConfig.cmake.in OrmidexConfig.cmake
+  INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(OrmidexConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrmidexConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/OrmidexConfigVersion.cmake
+  DESTINATION ${package_dir} COMPONENT development)
+
+# The prefix is found from the file's own place, so that an installed tree may move.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pc_prefix)
+configure_file(cmake/ormidex.pc.in ormidex.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ormidex.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# Where Debian's python3 looks for modules of packages.
+set(ORMIDEX_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Folder of the Python module")
+install(DIRECTORY python/ormidex DESTINATION ${ORMIDEX_PYTHON_DIR} COMPONENT tools
+  FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed")
