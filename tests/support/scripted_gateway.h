@@ -19,7 +19,7 @@ class ScriptedGateway : public device::DriverGateway {
  public:
   ~ScriptedGateway() override {
     for (const Step& step : steps_) {
-      ADD_FAILURE() << "request never came: " << Describe(step.code, step.in);
+      ADD_FAILURE() << "never came: " << Describe(step);
     }
   }
 
@@ -34,6 +34,8 @@ class ScriptedGateway : public device::DriverGateway {
   void ExpectFailure(std::uint32_t code, const std::string& in) {
     steps_.push_back({code, FromHex(in), {}, false});
   }
+  // Something else that happens between the requests, as a window message; see Met.
+  void ExpectEvent(const std::string& event) { steps_.push_back({0, {}, {}, true, event}); }
   bool Done() const { return steps_.empty(); }
   int opened() const { return opened_; }
   int closed() const { return closed_; }
@@ -55,19 +57,19 @@ class ScriptedGateway : public device::DriverGateway {
                std::uint32_t* returned) override {
     const auto* sent = static_cast<const std::uint8_t*>(request.in);
     const Bytes in(sent, sent + request.in_bytes);
-    if (steps_.empty()) {
-      ADD_FAILURE() << "request not expected: " << Describe(request.code, in);
-      return false;
-    }
-    const Step step = steps_.front();
-    steps_.pop_front();
-    EXPECT_EQ(Describe(request.code, in), Describe(step.code, step.in));
-    if (!step.succeeds) return false;
+    Step step;
+    if (!Next(Describe(request.code, in), &step) || !step.succeeds) return false;
     EXPECT_LE(step.out.size(), request.out_bytes) << Describe(request.code, in);
     const std::size_t bytes = std::min<std::size_t>(step.out.size(), request.out_bytes);
     if (bytes != 0) std::memcpy(request.out, step.out.data(), bytes);
     *returned = static_cast<std::uint32_t>(bytes);
     return true;
+  }
+
+  // Takes the event's place in the script.
+  void Met(const std::string& event) {
+    Step step;
+    Next(event, &step);
   }
 
  private:
@@ -76,8 +78,23 @@ class ScriptedGateway : public device::DriverGateway {
     Bytes in;
     Bytes out;
     bool succeeds;
+    std::string event = {};  // empty: a request
   };
 
+  bool Next(const std::string& met, Step* step) {
+    if (steps_.empty()) {
+      ADD_FAILURE() << "not expected: " << met;
+      return false;
+    }
+    *step = steps_.front();
+    steps_.pop_front();
+    EXPECT_EQ(met, Describe(*step));
+    return true;
+  }
+
+  static std::string Describe(const Step& step) {
+    return step.event.empty() ? Describe(step.code, step.in) : step.event;
+  }
   static std::string Describe(std::uint32_t code, const Bytes& in) {
     return Name(code) + " [" + std::to_string(in.size()) + "] " + ToHex(in.data(), in.size());
   }
