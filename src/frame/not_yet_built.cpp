@@ -5,16 +5,6 @@
 
 namespace ormidex::device {
 
-// Automatic control
-Status CameraSession::AutoExposure(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
-                                   std::uint32_t, std::uint32_t) {
-  return kGeneralFailure;
-}
-Status CameraSession::WhiteBalance(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
-                                   std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t) {
-  return kGeneralFailure;
-}
-
 // Live preview
 Status CameraSession::StartPreview(const char*, std::uint32_t, std::uint32_t, std::uint32_t,
                                    std::uint32_t, std::uint32_t, void*, std::uint32_t) {
