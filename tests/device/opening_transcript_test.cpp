@@ -149,6 +149,19 @@ TEST_F(OpeningTranscript, ControllerWithTheLetterJIsClockedAt12MHz) {
   EXPECT_EQ(Get(OrmidexGetImagerClocking), 0x81u);
 }
 
+TEST_F(OpeningTranscript, WhereTheDriverListsTheCamerasTheListComesFirst) {
+  frame::SetOperatingSystemKindForTesting(2);
+  MakeFirstGeneration(driver);
+  driver.firmware = 0x03000000;
+  driver.command_registers[0x0F] = 0xA5;
+  driver.device_list = "cam0\n";
+  std::string list = "0x2223CC [1024]";
+  for (int i = 0; i < 256; ++i) list += " 00000000";
+  Transcript transcript = FirstGenerationTranscript({});
+  transcript.insert(transcript.begin(), {list, 1});
+  OpenAndCompare(transcript);
+}
+
 TEST_F(OpeningTranscript, FirmwareBefore20205IsNotAskedForItsValues) {
   MakeFirstGeneration(driver);
   driver.firmware = 0x020204FF;
