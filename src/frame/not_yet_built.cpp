@@ -22,21 +22,4 @@ Status CameraSession::GetPreviewWindowSize(std::uint32_t*, std::uint32_t*) {
 Status CameraSession::SetPreviewWindow(const OrmidexRect*) { return kGeneralFailure; }
 Status CameraSession::ResetPreviewWindow() { return kGeneralFailure; }
 
-// Files
-Status CameraSession::SaveFrameAsMono8(void*, const char*) { return kGeneralFailure; }
-Status CameraSession::SaveFrameAsMono16(void*, const char*) { return kGeneralFailure; }
-Status CameraSession::SaveFrameAsTiff(const void*, const char*, std::uint32_t, std::int32_t,
-                                      std::uint32_t) {
-  return kGeneralFailure;
-}
-Status CameraSession::SaveFrameAsJpeg(const void*, const char*) { return kGeneralFailure; }
-Status CameraSession::CaptureFrameToBitmap(float, std::uint32_t, std::uint32_t, std::uint32_t,
-                                           std::uint32_t, std::uint32_t, const char*, std::uint32_t,
-                                           std::int32_t, std::uint32_t) {
-  return kGeneralFailure;
-}
-Status CameraSession::SetOverlayCallBack(std::uint32_t, std::uint32_t, OverlayCallback) {
-  return kGeneralFailure;
-}
-
 }  // namespace ormidex::device
