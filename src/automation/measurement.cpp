@@ -130,12 +130,12 @@ void ChangeCommandRegister(device::CameraSession& session, std::uint32_t address
 
 void PreviewSuspension::Suspend() {
   if (session_.preview.window.load() == nullptr || session_.preview.suspended.load() != 0) return;
-  session_.PausePreview(1);
+  session_.NotifyPreview(1);
   suspended_here_ = true;
 }
 
 void PreviewSuspension::Resume() {
-  if (suspended_here_) session_.PausePreview(0);
+  if (suspended_here_) session_.NotifyPreview(0);
   suspended_here_ = false;
 }
 
