@@ -1,46 +1,65 @@
 #include "convert/bilinear.h"
 
 #include "convert/bilinear_pixel.h"
+#include "convert/kernel_rows.h"
 #include "convert/mosaic.h"
+#include "convert/tiers.h"
 #include "platform/processor.h"
 
 namespace ormidex::convert {
 namespace {
 
+// One interior pixel by an accelerated kernel's formulas: at the first and last
+// column the missing neighbour is replaced by the one present.
+template <typename Form, typename Means>
+RolePixel KernelPixel(const Frame<Form>& frame, RowKind kind, std::size_t x, std::size_t y) {
+  const std::size_t last = frame.width - 1;
+  const std::size_t left = x > 0 ? x - 1 : 1;
+  const std::size_t right = x < last ? x + 1 : last - 1;
+  return InteriorPixel<Form, Means>(RowsAround(frame, y), kind.IsGreen(x), x, left, right);
+}
+
 template <typename Form>
-class BilinearDriver {
- public:
-  BilinearDriver(const Frame<Form>& frame, std::uint32_t bayer_phase)
-      : frame_(frame), bayer_phase_(bayer_phase) {}
+RolePixel PixelOf(const Frame<Form>& frame, RowKind kind, Rounding rounding, std::size_t x,
+                  std::size_t y) {
+  const bool edge_row = y == 0 || y + 1 == frame.height;
+  if (edge_row || rounding == Rounding::kPortable) {
+    return PortablePixel(frame, kind, x, y);
+  }
+  return rounding == Rounding::kMmx ? KernelPixel<Form, MmxMeans>(frame, kind, x, y)
+                                    : KernelPixel<Form, ExtendedMeans>(frame, kind, x, y);
+}
 
-  void PortableRow(std::size_t y) const {
-    const RowKind kind = KindOfRow(bayer_phase_, y);
-    for (std::size_t x = 0; x < frame_.width; ++x) {
-      Store(y, x, PortablePixel(frame_, kind, x, y));
+template <typename Form>
+struct BilinearCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKind Kind(std::size_t y) const { return KindOfRow(bayer_phase, y); }
+
+  RowKernel Kernel(const Kernels& kernels, std::size_t y) const {
+    if (this->IsEdgeRow(y)) {
+      return this->OfForm(kernels.bilinear_edge);
+    }
+    switch (rounding) {
+      case Rounding::kMmx:
+        return kernels.bilinear_mmx;
+      case Rounding::kExtended:
+        return kernels.bilinear_extended;
+      default:
+        return this->OfForm(kernels.bilinear_portable);
     }
   }
 
-  // The interior row of an accelerated kernel: it forms its first and last pixel by
-  // its own formulas, the missing column replaced by the one present.
-  template <typename Means>
-  void KernelRow(std::size_t y) const {
-    const RowKind kind = KindOfRow(bayer_phase_, y);
-    const ThreeRows rows = RowsAround(frame_, y);
-    const std::size_t last = frame_.width - 1;
-    for (std::size_t x = 0; x <= last; ++x) {
-      const std::size_t left = x > 0 ? x - 1 : 1;
-      const std::size_t right = x < last ? x + 1 : last - 1;
-      Store(y, x, InteriorPixel<Form, Means>(rows, kind.IsGreen(x), x, left, right));
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = Kind(y);
+    for (std::size_t x = begin; x < end; ++x) {
+      const RolePixel pixel = PixelOf(frame, kind, rounding, x, y);
+      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
     }
   }
 
- private:
-  void Store(std::size_t y, std::size_t x, const RolePixel& pixel) const {
-    StorePixel<Form>(frame_.ImageRow(y), x, ToRgb(KindOfRow(bayer_phase_, y), pixel));
-  }
-
-  Frame<Form> frame_;
-  std::uint32_t bayer_phase_;
+  std::uint32_t bayer_phase;
+  Rounding rounding;
 };
 
 constexpr std::size_t kKernelWidthMultiple = 4;
@@ -62,25 +81,7 @@ Rounding RoundingFor16Bit(std::size_t width) {
 
 template <typename Form>
 void Bilinear(const Frame<Form>& frame, std::uint32_t bayer_phase, Rounding rounding) {
-  if (frame.IsEmpty()) {
-    return;
-  }
-  const BilinearDriver<Form> driver(frame, bayer_phase);
-  driver.PortableRow(0);
-  for (std::size_t y = 1; y + 1 < frame.height; ++y) {
-    switch (rounding) {
-      case Rounding::kPortable:
-        driver.PortableRow(y);
-        break;
-      case Rounding::kMmx:
-        driver.template KernelRow<MmxMeans>(y);
-        break;
-      case Rounding::kExtended:
-        driver.template KernelRow<ExtendedMeans>(y);
-        break;
-    }
-  }
-  driver.PortableRow(frame.height - 1);
+  Drive(BilinearCode<Form>{{frame}, bayer_phase, rounding});
 }
 
 template void Bilinear(const Frame<Form8To24>&, std::uint32_t, Rounding);

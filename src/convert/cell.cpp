@@ -1,6 +1,7 @@
 // Codes 0, 16 and 255: what the mosaic's cells say without an estimate of edges.
 #include <cstring>
 
+#include "convert/kernel_rows.h"
 #include "convert/mosaic.h"
 #include "convert/routines.h"
 
@@ -35,15 +36,72 @@ Rgb HalfBlockColours(const Frame<Form>& frame, std::size_t x, std::size_t y) {
   return ToRgb(KindOfRow(kFixedPhase, colour_row), {colour, green, green});
 }
 
+// Row y is the row of blocks whose top is source row y.
 template <typename Form>
-void ReplicateRow(const Frame<Form>& frame, std::size_t y, std::uint8_t* image_row) {
-  const std::size_t last = frame.width - 1;
-  for (std::size_t x = 0; x < last; ++x) {
-    StorePixel<Form>(image_row, x, BlockColours(frame, x, y));
+struct ReplicateCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  std::size_t Rows() const { return frame.height - 1; }
+  std::uint8_t* Out(std::size_t y) const { return frame.ImageRow(y + 1); }
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.replicate);
   }
-  constexpr std::size_t kPixelBytes = 3 * Form::kChannelBytes;
-  std::memcpy(image_row + last * kPixelBytes, image_row + (last - 1) * kPixelBytes, kPixelBytes);
-}
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const std::size_t last = frame.width - 1;
+    for (std::size_t x = begin; x < end; ++x) {
+      StorePixel<Form>(Out(y), x, BlockColours(frame, x < last ? x : last - 1, y));
+    }
+  }
+};
+
+template <typename Form>
+struct GreyHorizontalCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  std::size_t Columns() const { return frame.width / 4 * 4; }
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.grey_horizontal);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = this->Kind(y);
+    const std::uint8_t* row = frame.SourceRow(y);
+    for (std::size_t x = begin; x < end; ++x) {
+      Sample grey = Form::Load(row, x);
+      if (!kind.IsGreen(x)) {
+        const std::size_t left = x > 0 ? x - 1 : x + 1;
+        const std::size_t right = x + 1 < frame.width ? x + 1 : x - 1;
+        grey = Mean(Form::Load(row, left), Form::Load(row, right));
+      }
+      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
+    }
+  }
+};
+
+template <typename Form>
+struct MosaicCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKind Kind(std::size_t y) const {
+    const bool odd_width = frame.width % 2 != 0;
+    const bool even_row = y % 2 == 0;
+    return {.has_red = even_row, .starts_green = even_row == odd_width};
+  }
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.mosaic);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = Kind(y);
+    const std::uint8_t* row = frame.SourceRow(y);
+    for (std::size_t x = begin; x < end; ++x) {
+      const Sample sample = Form::Load(row, x);
+      const RolePixel pixel = kind.IsGreen(x) ? RolePixel{0, sample, 0} : RolePixel{sample, 0, 0};
+      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
+    }
+  }
+};
 
 // The last pixel of the line and the one before are alike, as in a full frame.
 template <typename Form>
@@ -71,9 +129,7 @@ void Replicate(const Frame<Form>& frame) {
     ReplicateLine(frame);
     return;
   }
-  for (std::size_t y = 0; y + 1 < frame.height; ++y) {
-    ReplicateRow(frame, y, frame.ImageRow(y + 1));
-  }
+  Drive(ReplicateCode<Form>{{frame}});
   std::memcpy(frame.ImageRow(0), frame.ImageRow(1), frame.width * 3 * Form::kChannelBytes);
 }
 
@@ -81,37 +137,14 @@ void Replicate(const Frame<Form>& frame) {
 // stay as they were. Deliberate; applications that use it crop to a multiple of 4.
 template <typename Form>
 void GreyFromHorizontalGreen(const Frame<Form>& frame) {
-  const std::size_t written = frame.width / 4 * 4;
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const RowKind kind = KindOfRow(kFixedPhase, y);
-    const std::uint8_t* row = frame.SourceRow(y);
-    for (std::size_t x = 0; x < written; ++x) {
-      Sample grey = Form::Load(row, x);
-      if (!kind.IsGreen(x)) {
-        const std::size_t left = x > 0 ? x - 1 : x + 1;
-        const std::size_t right = x + 1 < frame.width ? x + 1 : x - 1;
-        grey = Mean(Form::Load(row, left), Form::Load(row, right));
-      }
-      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
-    }
-  }
+  Drive(GreyHorizontalCode<Form>{{frame}});
 }
 
 // The column phase depends on the width, deliberately: with an odd width each row
 // starts with the other colour than the mosaic has there.
 template <typename Form>
 void ShowMosaic(const Frame<Form>& frame) {
-  const bool odd_width = frame.width % 2 != 0;
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const bool even_row = y % 2 == 0;
-    const RowKind kind{.has_red = even_row, .starts_green = even_row == odd_width};
-    const std::uint8_t* row = frame.SourceRow(y);
-    for (std::size_t x = 0; x < frame.width; ++x) {
-      const Sample sample = Form::Load(row, x);
-      const RolePixel pixel = kind.IsGreen(x) ? RolePixel{0, sample, 0} : RolePixel{sample, 0, 0};
-      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
-    }
-  }
+  Drive(MosaicCode<Form>{{frame}});
 }
 
 ORMIDEX_INSTANTIATE_FORMS(Replicate)

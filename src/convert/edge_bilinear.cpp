@@ -1,6 +1,7 @@
 // Codes 2 and 17: green by the direction in which it changes least.
 #include "convert/bilinear_pixel.h"
 #include "convert/green.h"
+#include "convert/kernel_rows.h"
 #include "convert/routines.h"
 
 namespace ormidex::convert {
@@ -35,13 +36,17 @@ Sample GreenAt(const Frame<Form>& frame, std::size_t x, std::size_t y) {
                             .down = frame.At(x, y + 1)});
 }
 
-}  // namespace
-
 template <typename Form>
-void EdgeBilinear(const Frame<Form>& frame) {
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const RowKind kind = KindOfRow(kFixedPhase, y);
-    for (std::size_t x = 0; x < frame.width; ++x) {
+struct EdgeBilinearCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKernel Kernel(const Kernels& kernels, std::size_t y) const {
+    return this->OfForm(this->IsEdgeRow(y) ? kernels.edge_bilinear_edge : kernels.edge_bilinear);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = this->Kind(y);
+    for (std::size_t x = begin; x < end; ++x) {
       RolePixel pixel = PortablePixel(frame, kind, x, y);
       if (!kind.IsGreen(x)) {
         pixel.green = GreenAt(frame, x, y);
@@ -49,17 +54,35 @@ void EdgeBilinear(const Frame<Form>& frame) {
       StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
     }
   }
-}
+};
 
 template <typename Form>
-void GreyFromEdgeGreen(const Frame<Form>& frame) {
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const RowKind kind = KindOfRow(kFixedPhase, y);
-    for (std::size_t x = 0; x < frame.width; ++x) {
+struct GreyEdgeCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKernel Kernel(const Kernels& kernels, std::size_t y) const {
+    return this->OfForm(this->IsEdgeRow(y) ? kernels.grey_edge_edge : kernels.grey_edge);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = this->Kind(y);
+    for (std::size_t x = begin; x < end; ++x) {
       const Sample grey = kind.IsGreen(x) ? frame.At(x, y) : GreenAt(frame, x, y);
       StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
     }
   }
+};
+
+}  // namespace
+
+template <typename Form>
+void EdgeBilinear(const Frame<Form>& frame) {
+  Drive(EdgeBilinearCode<Form>{{frame}});
+}
+
+template <typename Form>
+void GreyFromEdgeGreen(const Frame<Form>& frame) {
+  Drive(GreyEdgeCode<Form>{{frame}});
 }
 
 ORMIDEX_INSTANTIATE_FORMS(EdgeBilinear)

@@ -1,11 +1,21 @@
 #include "convert/convert.h"
 #include "convert/samples.h"
+#include "convert/tiers.h"
 
 namespace ormidex::convert {
 namespace {
 
+using GreyKernel = void (*)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+
 template <typename Form>
-void Expand(const Frame<Form>& frame) {
+void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
+  const Kernels* kernels = KernelsOf(ActiveTier());
+  if (kernels != nullptr) {
+    for (std::size_t y = 0; y < frame.height; ++y) {
+      (kernels->*kernel)(frame.SourceRow(y), frame.width, frame.ImageRow(y));
+    }
+    return;
+  }
   for (std::size_t y = 0; y < frame.height; ++y) {
     const std::uint8_t* row = frame.SourceRow(y);
     std::uint8_t* image_row = frame.ImageRow(y);
@@ -20,12 +30,12 @@ void Expand(const Frame<Form>& frame) {
 
 void ExpandMono8(const std::uint8_t* source, std::uint32_t width, std::uint32_t height,
                  std::uint8_t* destination) {
-  Expand(Frame<Form8To24>{source, destination, width, height});
+  Expand(Frame<Form8To24>{source, destination, width, height}, &Kernels::expand_grey8);
 }
 
 void ExpandMono16(const std::uint8_t* source, std::uint32_t width, std::uint32_t height,
                   std::uint8_t* destination) {
-  Expand(Frame<Form16To24>{source, destination, width, height});
+  Expand(Frame<Form16To24>{source, destination, width, height}, &Kernels::expand_grey16);
 }
 
 }  // namespace ormidex::convert

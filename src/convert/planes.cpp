@@ -1,8 +1,7 @@
 // Codes 3, 4 and 18: a green plane first, then red and blue by colour differences.
-#include <cstring>
-
 #include "convert/mosaic.h"
 #include "convert/neighbourhood.h"
+#include "convert/reflected_rows.h"
 #include "convert/routines.h"
 #include "platform/memory.h"
 
@@ -10,18 +9,21 @@ namespace ormidex::convert {
 namespace {
 
 struct EdgeEstimate {
+  static constexpr RowKernels Kernels::*kPlaneKernels = &Kernels::own_directed_plane;
   static Sample Green(const Neighbourhood& around, Sample) {
     return OwnColourDirectedGreen(around.Greens(), around.Own());
   }
 };
 
 struct LaplacianEstimate {
+  static constexpr RowKernels Kernels::*kPlaneKernels = &Kernels::gradient_plane;
   static Sample Green(const Neighbourhood& around, Sample max) {
     return LaplacianGreen(around.Greens(), around.Own(), max);
   }
 };
 
-// One value a pixel: bytes for 8-bit frames, words for 16-bit ones.
+// One value a pixel, in rows without padding. As much memory as the frame has is taken
+// and, of a 16-bit frame for a 24-bit image, only its first half used.
 template <typename Form>
 class GreenPlane {
  public:
@@ -30,30 +32,18 @@ class GreenPlane {
         memory_(platform::Buffer::Uncleared(frame.width * frame.height * Form::kSampleBytes)) {}
 
   explicit operator bool() const { return static_cast<bool>(memory_); }
-  Sample At(std::size_t x, std::size_t y) const {
-    const std::uint8_t* value = Place(x, y);
-    if constexpr (Form::kSampleBytes == 1) {
-      return *value;
-    } else {
-      std::uint16_t word = 0;
-      std::memcpy(&word, value, sizeof(word));
-      return word;
-    }
+  std::uint8_t* Row(std::size_t y) const {
+    return memory_.Bytes() + y * width_ * Form::kChannelBytes;
   }
-  void Set(std::size_t x, std::size_t y, Sample green) {
-    if constexpr (Form::kSampleBytes == 1) {
-      *Place(x, y) = static_cast<std::uint8_t>(green);
+  Sample At(std::size_t x, std::size_t y) const {
+    if constexpr (Form::kChannelBytes == 1) {
+      return Row(y)[x];
     } else {
-      const auto word = static_cast<std::uint16_t>(green);
-      std::memcpy(Place(x, y), &word, sizeof(word));
+      return Form::Load(Row(y), x);
     }
   }
 
  private:
-  std::uint8_t* Place(std::size_t x, std::size_t y) const {
-    return memory_.Bytes() + (y * width_ + x) * Form::kSampleBytes;
-  }
-
   std::size_t width_;
   platform::Buffer memory_;
 };
@@ -98,21 +88,41 @@ RolePixel ColourPixel(const Neighbourhood& raw, const Neighbourhood& greens, boo
   return {raw.At(0, 0), green, estimate(differences.Diagonal())};
 }
 
-template <typename Form, typename Estimate>
-Status ConvertByPlane(const Frame<Form>& frame) {
-  GreenPlane<Form> plane(frame);
-  if (!plane) {
-    return kOutOfMemory;
-  }
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    for (std::size_t x = 0; x < frame.width; ++x) {
-      plane.Set(x, y, GreenAt<Form, Estimate>(frame, x, y));
+template <typename Estimate>
+struct PlanePass {
+  template <typename Form>
+  struct Code : CodeBase<Form> {
+    using CodeBase<Form>::frame;
+    static constexpr std::size_t kOutBytes = Form::kChannelBytes;
+
+    std::uint8_t* Out(std::size_t y) const { return plane.Row(y); }
+    RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+      return this->OfForm(kernels.*Estimate::kPlaneKernels);
     }
+
+    void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+      for (std::size_t x = begin; x < end; ++x) {
+        Form::Store(plane.Row(y), x, GreenAt<Form, Estimate>(frame, x, y));
+      }
+    }
+
+    const GreenPlane<Form>& plane;
+  };
+};
+
+template <typename Form>
+struct ColourPass : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  const std::uint8_t* GreenRow(std::size_t y) const { return plane.Row(y); }
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.colour);
   }
-  const auto plane_at = [&plane](std::size_t x, std::size_t y) { return plane.At(x, y); };
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const RowKind kind = KindOfRow(kFixedPhase, y);
-    for (std::size_t x = 0; x < frame.width; ++x) {
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = this->Kind(y);
+    const auto plane_at = [this](std::size_t x, std::size_t row) { return plane.At(x, row); };
+    for (std::size_t x = begin; x < end; ++x) {
       Neighbourhood greens;
       static_cast<void>(ReadNeighbourhood(frame.width, frame.height, x, y, plane_at, greens));
       const Neighbourhood raw = NeighbourhoodAt(frame, x, y);
@@ -120,6 +130,35 @@ Status ConvertByPlane(const Frame<Form>& frame) {
                        ToRgb(kind, ColourPixel<Form>(raw, greens, kind.IsGreen(x))));
     }
   }
+
+  const GreenPlane<Form>& plane;
+};
+
+template <typename Form>
+struct GreyLaplacianCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.grey_gradient);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    for (std::size_t x = begin; x < end; ++x) {
+      const Sample grey = GreenAt<Form, LaplacianEstimate>(frame, x, y);
+      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
+    }
+  }
+};
+
+template <typename Form, typename Estimate>
+Status ConvertByPlane(const Frame<Form>& frame) {
+  const GreenPlane<Form> plane(frame);
+  if (!plane) {
+    return kOutOfMemory;
+  }
+  using PlaneCode = typename PlanePass<Estimate>::template Code<Form>;
+  DriveReflected<Form, PlanePass<Estimate>::template Code>(PlaneCode{{frame}, plane});
+  DriveReflected(ColourPass<Form>{{frame}, plane});
   return kOk;
 }
 
@@ -137,12 +176,7 @@ Status LaplacianPlane(const Frame<Form>& frame) {
 
 template <typename Form>
 void GreyFromLaplacianGreen(const Frame<Form>& frame) {
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    for (std::size_t x = 0; x < frame.width; ++x) {
-      const Sample grey = GreenAt<Form, LaplacianEstimate>(frame, x, y);
-      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
-    }
-  }
+  DriveReflected(GreyLaplacianCode<Form>{{frame}});
 }
 
 template Status EdgePlane(const Frame<Form8To24>&);

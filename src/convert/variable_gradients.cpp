@@ -5,6 +5,7 @@
 
 #include "convert/mosaic.h"
 #include "convert/neighbourhood.h"
+#include "convert/reflected_rows.h"
 #include "convert/routines.h"
 
 namespace ormidex::convert {
@@ -150,18 +151,29 @@ RolePixel ColoursAt(const Site& site) {
   return site.IsGreen() ? RolePixel{first, sample, second} : RolePixel{sample, first, second};
 }
 
-}  // namespace
-
 template <typename Form>
-void VariableGradients(const Frame<Form>& frame) {
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    const RowKind kind = KindOfRow(kFixedPhase, y);
-    for (std::size_t x = 0; x < frame.width; ++x) {
+struct VariableGradientsCode : CodeBase<Form> {
+  using CodeBase<Form>::frame;
+
+  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
+    return this->OfForm(kernels.variable_gradients);
+  }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    const RowKind kind = this->Kind(y);
+    for (std::size_t x = begin; x < end; ++x) {
       const Neighbourhood around = NeighbourhoodAt(frame, x, y);
       const RolePixel pixel = ColoursAt<Form>(Site(around, kind.IsGreen(x)));
       StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
     }
   }
+};
+
+}  // namespace
+
+template <typename Form>
+void VariableGradients(const Frame<Form>& frame) {
+  DriveReflected(VariableGradientsCode<Form>{{frame}});
 }
 
 ORMIDEX_INSTANTIATE_FORMS(VariableGradients)

@@ -28,6 +28,22 @@ Leaf Identify(unsigned leaf) {
 
 constexpr bool Bit(unsigned word, int index) { return ((word >> index) & 1u) != 0; }
 
+// The feature word with the two multimedia bits. Asked for on every conversion, so
+// with a single identification instruction: under a hypervisor each one costs
+// microseconds. Only the instruction's presence, which a 32-bit processor may lack,
+// is remembered.
+unsigned BasicFeatures() {
+#if defined(__i386__)
+  static const bool can_identify = __get_cpuid_max(0, nullptr) >= 1;
+  if (!can_identify) {
+    return 0;
+  }
+#endif
+  Leaf leaf;
+  __cpuid(1, leaf.eax, leaf.ebx, leaf.ecx, leaf.edx);
+  return leaf.edx;
+}
+
 // Register states that the operating system saves for a thread. Only defined
 // where the OSXSAVE bit is set.
 std::uint32_t EnabledStates() {
@@ -56,7 +72,7 @@ bool HasMmx() noexcept {
   if (pretence != ProcessorPretence::kNone) {
     return pretence != ProcessorPretence::kNoMmx;
   }
-  return Bit(Identify(1).edx, 23);
+  return Bit(BasicFeatures(), 23);
 }
 
 bool HasExtendedMmx() noexcept {
@@ -64,7 +80,7 @@ bool HasExtendedMmx() noexcept {
   if (pretence != ProcessorPretence::kNone) {
     return pretence == ProcessorPretence::kMmxAndExtended;
   }
-  return Bit(Identify(1).edx, 25);
+  return Bit(BasicFeatures(), 25);
 }
 
 VectorFeatures DetectVectorFeatures() noexcept {

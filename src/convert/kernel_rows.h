@@ -1,0 +1,191 @@
+// Drives row kernels over a frame, with the scalar formulas for what they leave.
+#ifndef ORMIDEX_CONVERT_KERNEL_ROWS_H_
+#define ORMIDEX_CONVERT_KERNEL_ROWS_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "convert/mosaic.h"
+#include "convert/neighbourhood.h"
+#include "convert/routines.h"
+#include "convert/samples.h"
+#include "convert/tiers.h"
+
+namespace ormidex::convert {
+
+// From this size on an image does not stay in the cache between its rows, and the
+// next output row is fetched while one is computed.
+inline constexpr std::size_t kPrefetchFromBytes = std::size_t{2} << 20;
+
+// What every code brings to the drive, with the defaults of most. A code adds
+//   RowKernel Kernel(const Kernels&, y)    the kernel for row y
+//   void Pixels(y, begin, end)             the scalar formulas for some columns
+template <typename Form>
+struct CodeBase {
+  Frame<Form> frame;
+
+  // Bytes written for each column.
+  static constexpr std::size_t kOutBytes = 3 * Form::kChannelBytes;
+
+  RowKind Kind(std::size_t y) const { return KindOfRow(kFixedPhase, y); }
+  std::size_t Rows() const { return frame.height; }
+  std::size_t Columns() const { return frame.width; }
+  std::uint8_t* Out(std::size_t y) const { return frame.ImageRow(y); }
+  bool IsEdgeRow(std::size_t y) const { return y == 0 || y + 1 == frame.height; }
+
+  static RowKernel OfForm(const RowKernels& kernels) {
+    return Form::kChannelBytes == 1 ? kernels.narrow : kernels.wide;
+  }
+};
+
+// The rows that a kernel sees of a frame: all of it, as it is.
+template <typename Form>
+class DirectRows {
+ public:
+  explicit DirectRows(const Frame<Form>& frame) : frame_(frame) {}
+
+  const std::uint8_t* Row(std::size_t y) const { return frame_.SourceRow(y); }
+  std::size_t FirstColumn() const { return 0; }
+  std::size_t Width() const { return frame_.width; }
+  bool IsWholeFrame() const { return true; }
+
+ private:
+  Frame<Form> frame_;
+};
+
+// The high bytes of 16-bit rows, a strip of columns at a time, in a ring of a few
+// rows on the stack. The strip has a margin for the kernels' neighbours.
+class NarrowedRows {
+ public:
+  static constexpr std::size_t kStripColumns = 2048;
+  static constexpr std::size_t kMargin = 8;
+
+  NarrowedRows(const Frame<Form16To24>& frame, const Kernels& kernels, std::size_t begin,
+               std::size_t end)
+      : frame_(frame),
+        kernels_(kernels),
+        first_(begin > kMargin ? begin - kMargin : 0),
+        width_(std::min(end + kMargin, frame.width) - first_) {}
+
+  // Rows must be asked for in ascending order, a few at a time.
+  const std::uint8_t* Row(std::size_t y) {
+    for (; next_ <= y; ++next_) {
+      kernels_.high_bytes(frame_.SourceRow(next_) + 2 * first_, width_, Place(next_));
+    }
+    return Place(y);
+  }
+  std::size_t FirstColumn() const { return first_; }
+  std::size_t Width() const { return width_; }
+  bool IsWholeFrame() const { return false; }
+
+ private:
+  // Three rows are looked at; the next power of two makes the ring's place cheap.
+  static constexpr std::size_t kRing = 4;
+  static constexpr std::size_t kPadding = 64;
+
+  std::uint8_t* Place(std::size_t y) { return ring_[y % kRing] + kPadding; }
+
+  Frame<Form16To24> frame_;
+  const Kernels& kernels_;
+  std::size_t first_;
+  std::size_t width_;
+  std::size_t next_ = 0;
+  alignas(64) std::uint8_t ring_[kRing][kStripColumns + 2 * kMargin + 2 * kPadding];
+};
+
+template <typename Form, typename Code, typename Rows>
+class RowDrive {
+ public:
+  RowDrive(const Code& code, const Kernels& kernels, Rows& rows, std::size_t begin, std::size_t end)
+      : code_(code), kernels_(kernels), rows_(rows), begin_(begin), end_(end) {
+    const std::size_t bytes = code.frame.width * code.frame.height * Code::kOutBytes;
+    prefetch_ = bytes >= kPrefetchFromBytes;
+  }
+
+  void Run() {
+    for (std::size_t y = 0; y < code_.Rows(); ++y) {
+      Row(y);
+    }
+  }
+
+ private:
+  // Columns and rows looked at on each side.
+  static constexpr std::size_t kReach = 1;
+
+  void Row(std::size_t y) {
+    const RowJob job = JobFor(y);
+    ColumnSpan done = code_.Kernel(kernels_, y)(job);
+    for (const Kernels* lower = LowerTier(&kernels_); done.begin == done.end && lower != nullptr;
+         lower = LowerTier(lower)) {
+      done = code_.Kernel(*lower, y)(job);
+    }
+    // What a kernel wrote within its reach of the frame's ends is not valid.
+    const std::size_t first = rows_.FirstColumn();
+    const std::size_t valid_begin = std::max(first + done.begin, kReach);
+    const std::size_t valid_end = std::min(first + done.end, code_.frame.width - kReach);
+    const bool any = done.begin < done.end && valid_begin < valid_end;
+    const std::size_t left_end = any ? std::clamp(valid_begin, begin_, end_) : end_;
+    code_.Pixels(y, begin_, left_end);
+    code_.Pixels(y, any ? std::clamp(valid_end, left_end, end_) : end_, end_);
+  }
+
+  RowJob JobFor(std::size_t y) {
+    const std::size_t first = rows_.FirstColumn();
+    const RowKind kind = code_.Kind(y);
+    RowJob job{};
+    job.above = RowAt(y, -1);
+    job.row = RowAt(y, 0);
+    job.below = RowAt(y, 1);
+    job.out = code_.Out(y) + first * Code::kOutBytes;
+    job.next_out =
+        prefetch_ && y + 1 < code_.Rows() ? code_.Out(y + 1) + first * Code::kOutBytes : nullptr;
+    job.width = std::min(rows_.Width(), code_.Columns() - first);
+    job.has_red = kind.has_red;
+    job.starts_green = kind.IsGreen(first);
+    // Away from the frame's ends the rows before and after lie on either side.
+    job.has_margin = rows_.IsWholeFrame() && y >= 3 && y + 3 < code_.frame.height;
+    return job;
+  }
+
+  std::size_t Reflected(std::size_t y, std::ptrdiff_t step) const {
+    return Reflect(static_cast<std::ptrdiff_t>(y) + step, code_.frame.height);
+  }
+  const std::uint8_t* RowAt(std::size_t y, std::ptrdiff_t step) {
+    return rows_.Row(Reflected(y, step));
+  }
+  const Code& code_;
+  const Kernels& kernels_;
+  Rows& rows_;
+  std::size_t begin_;
+  std::size_t end_;
+  bool prefetch_;
+};
+
+template <typename Form, template <typename> typename Code>
+void Drive(const Code<Form>& code) {
+  const Kernels* kernels = KernelsOf(ActiveTier());
+  const std::size_t columns = code.Columns();
+  const bool is_tiny = code.frame.width < 8 || code.frame.height < 2;
+  if (kernels == nullptr || is_tiny) {
+    for (std::size_t y = 0; y < code.Rows(); ++y) {
+      code.Pixels(y, 0, columns);
+    }
+    return;
+  }
+  if constexpr (std::is_same_v<Form, Form16To24>) {
+    for (std::size_t begin = 0; begin < columns; begin += NarrowedRows::kStripColumns) {
+      const std::size_t end = std::min(begin + NarrowedRows::kStripColumns, columns);
+      NarrowedRows rows(code.frame, *kernels, begin, end);
+      RowDrive<Form, Code<Form>, NarrowedRows>(code, *kernels, rows, begin, end).Run();
+    }
+  } else {
+    DirectRows<Form> rows(code.frame);
+    RowDrive<Form, Code<Form>, DirectRows<Form>>(code, *kernels, rows, 0, columns).Run();
+  }
+}
+
+}  // namespace ormidex::convert
+
+#endif  // ORMIDEX_CONVERT_KERNEL_ROWS_H_

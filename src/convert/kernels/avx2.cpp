@@ -1,0 +1,44 @@
+// The avx2 tier. Compiled with the instruction set's flags: nothing may be included
+// here whose inline functions the linker could share with the rest of the library.
+#include "convert/kernels/kernels.h"
+
+// clang-format off
+#include "convert/kernels/vector_avx2.h"
+#include "convert/kernels/entry.h"
+#include "convert/kernels/pairs.inc"
+#include "convert/kernels/bilinear.inc"
+#include "convert/kernels/mono.inc"
+#include "convert/kernels/edge_bilinear.inc"
+#include "convert/kernels/cell.inc"
+#include "convert/kernels/planes.inc"
+#include "convert/kernels/variable_gradients.inc"
+// clang-format on
+
+namespace ormidex::convert {
+
+extern const Kernels kAvx2Kernels = {
+    .tier = "avx2",
+    .vector_bytes = kVectorBytes,
+    .bilinear_portable = {BilinearRow<Lanes8, Means::kPortable>,
+                          BilinearRow<Lanes16, Means::kPortable>},
+    .bilinear_edge = {BilinearEdgeRow<Lanes8>, BilinearEdgeRow<Lanes16>},
+    .bilinear_mmx = BilinearRow<Lanes8, Means::kMmx>,
+    .bilinear_extended = BilinearRow<Lanes8, Means::kExtended>,
+    .high_bytes = HighBytes,
+    .expand_grey8 = ExpandGrey8,
+    .expand_grey16 = ExpandGrey16,
+    .replicate = {ReplicateRow<Lanes8>, ReplicateRow<Lanes16>},
+    .mosaic = {MosaicRow<Lanes8>, MosaicRow<Lanes16>},
+    .grey_horizontal = {GreyHorizontalRow<Lanes8>, GreyHorizontalRow<Lanes16>},
+    .edge_bilinear = {EdgeBilinearRow<Lanes8>, EdgeBilinearRow<Lanes16>},
+    .edge_bilinear_edge = {EdgeBilinearEdgeRow<Lanes8>, EdgeBilinearEdgeRow<Lanes16>},
+    .grey_edge = {GreyEdgeRow<Lanes8>, GreyEdgeRow<Lanes16>},
+    .grey_edge_edge = {GreyEdgeEdgeRow<Lanes8>, GreyEdgeEdgeRow<Lanes16>},
+    .own_directed_plane = {OwnDirectedPlaneRow<Lanes8>, OwnDirectedPlaneRow<Lanes16>},
+    .gradient_plane = {GradientPlaneRow<Lanes8>, GradientPlaneRow<Lanes16>},
+    .grey_gradient = {GreyGradientRow<Lanes8>, GreyGradientRow<Lanes16>},
+    .colour = {ColourRow<Lanes8>, ColourRow<Lanes16>},
+    .variable_gradients = {VariableGradientsRow<Lanes8>, VariableGradientsRow<Lanes16>},
+};
+
+}  // namespace ormidex::convert

@@ -1,0 +1,92 @@
+// Vector kernels of the conversions, one set for each instruction-set tier.
+//
+// A kernel computes the interior columns of one row. It may leave a few columns at
+// either end, or all of a narrow row: the caller computes those with the scalar
+// formulas, to which every kernel is bit for bit equal. Kernels need no alignment,
+// keep no state and never look at what the processor can do.
+//
+// This header is included by files compiled for one tier, so it must stay free of
+// inline functions: the linker could pick the tier's copy for the whole library.
+#ifndef ORMIDEX_CONVERT_KERNELS_KERNELS_H_
+#define ORMIDEX_CONVERT_KERNELS_KERNELS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ormidex::convert {
+
+// One row of a mosaic. Rows two away are there for the kernels that look so far.
+struct RowJob {
+  const std::uint8_t* above2;
+  const std::uint8_t* above;
+  const std::uint8_t* row;
+  const std::uint8_t* below;
+  const std::uint8_t* below2;
+  // Rows of the green plane, where a kernel works on it.
+  const std::uint8_t* green_above;
+  const std::uint8_t* green_row;
+  const std::uint8_t* green_below;
+  std::uint8_t* out;
+  // The output row that will be written next, to be fetched into the cache while
+  // this one is computed, or null where the image is small enough to be there.
+  const std::uint8_t* next_out;
+  std::size_t width;
+  bool has_red;
+  bool starts_green;
+  // Three samples before the first column and after the last may be read in all rows,
+  // and the pixels within a kernel's reach of the ends may be written, to be overwritten by the
+  // caller.
+  bool has_margin;
+};
+
+// The columns that a kernel wrote.
+struct ColumnSpan {
+  std::size_t begin;
+  std::size_t end;
+};
+
+using RowKernel = ColumnSpan (*)(const RowJob& job);
+
+// A kernel for 8-bit and one for 16-bit samples.
+struct RowKernels {
+  RowKernel narrow;
+  RowKernel wide;
+};
+
+struct Kernels {
+  const char* tier;
+  std::size_t vector_bytes;
+
+  // Code 1. "edge": first and last rows, where `above` and `below` are the same.
+  RowKernels bilinear_portable;
+  RowKernels bilinear_edge;
+  RowKernel bilinear_mmx;
+  RowKernel bilinear_extended;
+
+  // High bytes of `count` 16-bit samples: how 24-bit images are made of 16-bit frames.
+  void (*high_bytes)(const std::uint8_t* samples, std::size_t count, std::uint8_t* bytes);
+  // Each sample, or its high byte, three times.
+  void (*expand_grey8)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+  void (*expand_grey16)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+
+  RowKernels replicate;           // code 0
+  RowKernels mosaic;              // code 255
+  RowKernels grey_horizontal;     // code 16
+  RowKernels edge_bilinear;       // code 2
+  RowKernels edge_bilinear_edge;  //   its first and last rows
+  RowKernels grey_edge;           // code 17
+  RowKernels grey_edge_edge;      //   its first and last rows
+  RowKernels own_directed_plane;  // code 3, green plane; `out` is a plane's row
+  RowKernels gradient_plane;      // code 4, green plane
+  RowKernels grey_gradient;       // code 18
+  RowKernels colour;              // codes 3 and 4, from raw rows and green rows
+  RowKernels variable_gradients;  // code 5
+};
+
+extern const Kernels kSsse3Kernels;
+extern const Kernels kAvx2Kernels;
+extern const Kernels kAvx512Kernels;
+
+}  // namespace ormidex::convert
+
+#endif  // ORMIDEX_CONVERT_KERNELS_KERNELS_H_

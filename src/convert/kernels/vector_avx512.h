@@ -1,0 +1,255 @@
+// The vector of the AVX-512 tier (F, BW, DQ, VL, VBMI). Included by its file only;
+// everything is local to it.
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ormidex::convert {
+namespace {
+
+using Vector = __m512i;
+constexpr std::size_t kVectorBytes = 64;
+
+inline Vector Load(const std::uint8_t* p) { return _mm512_loadu_si512(p); }
+inline void Store(std::uint8_t* p, Vector v) { _mm512_storeu_si512(p, v); }
+inline Vector And(Vector a, Vector b) { return _mm512_and_si512(a, b); }
+inline Vector Or(Vector a, Vector b) { return _mm512_or_si512(a, b); }
+inline Vector Xor(Vector a, Vector b) { return _mm512_xor_si512(a, b); }
+inline Vector AndNot(Vector a, Vector b) { return _mm512_andnot_si512(a, b); }
+inline void LeaveVectorMode() { _mm256_zeroupper(); }
+
+// What stands where in the six values of a pair of pixels: F, the outer vector (0:
+// lane of x, 1: lane of p), or U, own and inner alternately.
+enum class From : std::uint8_t { kF0, kF1, kU0, kU1, kU2, kU3 };
+constexpr From kSitesOfRedRow[6] = {From::kF0, From::kF1, From::kU0,
+                                    From::kU1, From::kU2, From::kU3};
+constexpr From kSitesOfBlueRow[6] = {From::kU0, From::kF1, From::kF0,
+                                     From::kU3, From::kU2, From::kU1};
+
+// Lane orders for output vector number `part`: where F, own and inner have the lanes
+// that it takes, and which lanes it takes from own and inner.
+template <typename Lane>
+struct alignas(64) SiteOrder {
+  static constexpr std::size_t kLanes = kVectorBytes / sizeof(Lane);
+  Lane f[kLanes];
+  Lane own[kLanes];
+  Lane inner[kLanes];
+  std::uint64_t takes_own;
+  std::uint64_t takes_inner;
+};
+template <typename Lane>
+constexpr SiteOrder<Lane> MakeSiteOrder(bool has_red, std::size_t part) {
+  constexpr std::size_t kLanes = SiteOrder<Lane>::kLanes;
+  SiteOrder<Lane> order{};
+  for (std::size_t i = 0; i < kLanes; ++i) {
+    const std::size_t pair = (kLanes * part + i) / 6;
+    const From from = (has_red ? kSitesOfRedRow : kSitesOfBlueRow)[(kLanes * part + i) % 6];
+    const auto site = static_cast<std::size_t>(from);
+    const std::uint64_t bit = std::uint64_t{1} << i;
+    order.f[i] = static_cast<Lane>(2 * pair + site % 2);
+    order.own[i] = static_cast<Lane>(2 * pair + (site == 4 ? 1 : 0));
+    order.inner[i] = static_cast<Lane>(2 * pair + (site == 5 ? 1 : 0));
+    order.takes_own |= site == 2 || site == 4 ? bit : 0;
+    order.takes_inner |= site == 3 || site == 5 ? bit : 0;
+  }
+  return order;
+}
+template <typename Lane, bool kHasRed, std::size_t kPart>
+constexpr SiteOrder<Lane> kSiteOrder = MakeSiteOrder<Lane>(kHasRed, kPart);
+
+// The odd bytes of two vectors.
+inline Vector PackHighBytes(Vector low, Vector high) {
+  const __m256i first = _mm512_cvtepi16_epi8(_mm512_srli_epi16(low, 8));
+  const __m256i second = _mm512_cvtepi16_epi8(_mm512_srli_epi16(high, 8));
+  return _mm512_inserti64x4(_mm512_castsi256_si512(first), second, 1);
+}
+
+// Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
+struct Wide16 {
+  static constexpr int kBits = 16;
+  static Vector Set(int value) { return _mm512_set1_epi16(static_cast<short>(value)); }
+  // The even lanes of the pairs.
+  static Vector Even(Vector v) { return And(v, _mm512_set1_epi16(0x00FF)); }
+  static Vector Add(Vector a, Vector b) { return _mm512_add_epi16(a, b); }
+  static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
+  static Vector Abs(Vector a) { return _mm512_abs_epi16(a); }
+  template <int kCount>
+  static Vector ShiftRight(Vector v) {
+    return _mm512_srai_epi16(v, kCount);
+  }
+  static Vector Min(Vector a, Vector b) { return _mm512_min_epi16(a, b); }
+  static Vector Max(Vector a, Vector b) { return _mm512_max_epi16(a, b); }
+  using Mask = __mmask32;
+  static Mask NotGreater(Vector a, Vector b) { return _mm512_cmple_epi16_mask(a, b); }
+  static Vector AddIf(Mask mask, Vector sum, Vector v) {
+    return _mm512_mask_add_epi16(sum, mask, sum, v);
+  }
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi16(_mm512_cmpgt_epi16_mask(a, b), otherwise, then);
+  }
+  // A sum of three samples of 8 bits divided by 3.
+  static Vector Third(Vector sum) { return _mm512_mulhi_epu16(sum, _mm512_set1_epi16(21846)); }
+  // A difference of sums of up to 8 samples of 8 bits, divided by 1 to 8, toward zero:
+  // the product with 32768 / count, rounded up, is exact for them.
+  static Vector Quotient(Vector dividend, Vector count) {
+    const __m128i table =
+        _mm_setr_epi16(static_cast<short>(32768), 16384, 10923, 8192, 6554, 5462, 4682, 4096);
+    const Vector bytes = _mm512_mullo_epi16(Sub(count, Set(1)), Set(0x0202));
+    const Vector reciprocal =
+        _mm512_shuffle_epi8(_mm512_broadcast_i32x4(table), Add(bytes, Set(0x0100)));
+    const Vector magnitude = Abs(dividend);
+    const Vector quotient = _mm512_mulhi_epu16(Add(magnitude, magnitude), reciprocal);
+    const Vector sign = ShiftRight<15>(dividend);
+    return Sub(Xor(quotient, sign), sign);
+  }
+};
+
+// Signed lanes of 32 bits, each of which stands for a pair of 16-bit lanes.
+struct Wide32 {
+  static constexpr int kBits = 32;
+  static Vector Set(int value) { return _mm512_set1_epi32(value); }
+  // The even lanes of the pairs.
+  static Vector Even(Vector v) { return And(v, _mm512_set1_epi32(0x0000FFFF)); }
+  static Vector Add(Vector a, Vector b) { return _mm512_add_epi32(a, b); }
+  static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi32(a, b); }
+  static Vector Abs(Vector a) { return _mm512_abs_epi32(a); }
+  template <int kCount>
+  static Vector ShiftRight(Vector v) {
+    return _mm512_srai_epi32(v, kCount);
+  }
+  static Vector Min(Vector a, Vector b) { return _mm512_min_epi32(a, b); }
+  static Vector Max(Vector a, Vector b) { return _mm512_max_epi32(a, b); }
+  using Mask = __mmask16;
+  static Mask NotGreater(Vector a, Vector b) { return _mm512_cmple_epi32_mask(a, b); }
+  static Vector AddIf(Mask mask, Vector sum, Vector v) {
+    return _mm512_mask_add_epi32(sum, mask, sum, v);
+  }
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(a, b), otherwise, then);
+  }
+  // Sums of a few 16-bit samples and their quotients by 1 to 8 are far enough from the
+  // next integer for single precision.
+  static Vector Third(Vector sum) { return Quotient(sum, Set(3)); }
+  static Vector Quotient(Vector dividend, Vector count) {
+    return _mm512_cvttps_epi32(
+        _mm512_div_ps(_mm512_cvtepi32_ps(dividend), _mm512_cvtepi32_ps(count)));
+  }
+};
+
+// Lane order of output vector number `part` of grey pixels.
+template <typename Lane>
+struct alignas(64) GreyOrder {
+  static constexpr std::size_t kLanes = kVectorBytes / sizeof(Lane);
+  Lane index[kLanes];
+};
+template <typename Lane>
+constexpr GreyOrder<Lane> MakeGreyOrder(std::size_t part) {
+  GreyOrder<Lane> order{};
+  for (std::size_t i = 0; i < GreyOrder<Lane>::kLanes; ++i) {
+    order.index[i] = static_cast<Lane>((GreyOrder<Lane>::kLanes * part + i) / 3);
+  }
+  return order;
+}
+template <typename Lane, std::size_t kPart>
+constexpr GreyOrder<Lane> kGreyOrder = MakeGreyOrder<Lane>(kPart);
+
+struct Lanes8 {
+  static constexpr std::size_t kLaneBytes = 1;
+  static constexpr int kMax = 255;
+  using Wide = Wide16;
+  static Vector Eight() { return _mm512_set1_epi8(8); }
+  static Vector AddSaturated(Vector a, Vector b) { return _mm512_adds_epu8(a, b); }
+  static Vector SubSaturated(Vector a, Vector b) { return _mm512_subs_epu8(a, b); }
+  static Vector Difference(Vector a, Vector b) {
+    return Or(SubSaturated(a, b), SubSaturated(b, a));
+  }
+  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi8(_mm512_test_epi8_mask(test, test), then, otherwise);
+  }
+  static void StoreGrey(std::uint8_t* out, Vector grey) {
+    Store(out, GreyPart<0>(grey));
+    Store(out + 64, GreyPart<1>(grey));
+    Store(out + 128, GreyPart<2>(grey));
+  }
+  static Vector One() { return _mm512_set1_epi8(1); }
+  static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu8(a, b); }
+  static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi8(a, b); }
+  static Vector ToOdd(Vector v) { return _mm512_slli_epi16(v, 8); }
+  static Vector EvenOdd(Vector even, Vector odd) {
+    return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0xCA);
+  }
+  template <bool kHasRed>
+  static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
+    Store(out, Part<kHasRed, 0>(outer, own, inner));
+    Store(out + 64, Part<kHasRed, 1>(outer, own, inner));
+    Store(out + 128, Part<kHasRed, 2>(outer, own, inner));
+  }
+
+ private:
+  template <bool kHasRed, std::size_t kPart>
+  static Vector Part(Vector outer, Vector own, Vector inner) {
+    constexpr const auto& kOrder = kSiteOrder<std::uint8_t, kHasRed, kPart>;
+    Vector part = _mm512_permutexvar_epi8(_mm512_load_si512(kOrder.f), outer);
+    part = _mm512_mask_permutexvar_epi8(part, static_cast<__mmask64>(kOrder.takes_own),
+                                        _mm512_load_si512(kOrder.own), own);
+    return _mm512_mask_permutexvar_epi8(part, static_cast<__mmask64>(kOrder.takes_inner),
+                                        _mm512_load_si512(kOrder.inner), inner);
+  }
+  template <std::size_t kPart>
+  static Vector GreyPart(Vector grey) {
+    return _mm512_permutexvar_epi8(_mm512_load_si512(kGreyOrder<std::uint8_t, kPart>.index), grey);
+  }
+};
+
+struct Lanes16 {
+  static constexpr std::size_t kLaneBytes = 2;
+  static constexpr int kMax = 65535;
+  using Wide = Wide32;
+  static Vector Eight() { return _mm512_set1_epi16(8); }
+  static Vector AddSaturated(Vector a, Vector b) { return _mm512_adds_epu16(a, b); }
+  static Vector SubSaturated(Vector a, Vector b) { return _mm512_subs_epu16(a, b); }
+  static Vector Difference(Vector a, Vector b) {
+    return Or(SubSaturated(a, b), SubSaturated(b, a));
+  }
+  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi16(_mm512_test_epi16_mask(test, test), then, otherwise);
+  }
+  static void StoreGrey(std::uint8_t* out, Vector grey) {
+    Store(out, GreyPart<0>(grey));
+    Store(out + 64, GreyPart<1>(grey));
+    Store(out + 128, GreyPart<2>(grey));
+  }
+  static Vector One() { return _mm512_set1_epi16(1); }
+  static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu16(a, b); }
+  static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
+  static Vector ToOdd(Vector v) { return _mm512_slli_epi32(v, 16); }
+  static Vector EvenOdd(Vector even, Vector odd) {
+    return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0xCA);
+  }
+  template <bool kHasRed>
+  static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
+    Store(out, Part<kHasRed, 0>(outer, own, inner));
+    Store(out + 64, Part<kHasRed, 1>(outer, own, inner));
+    Store(out + 128, Part<kHasRed, 2>(outer, own, inner));
+  }
+
+ private:
+  template <bool kHasRed, std::size_t kPart>
+  static Vector Part(Vector outer, Vector own, Vector inner) {
+    constexpr const auto& kOrder = kSiteOrder<std::uint16_t, kHasRed, kPart>;
+    Vector part = _mm512_permutexvar_epi16(_mm512_load_si512(kOrder.f), outer);
+    part = _mm512_mask_permutexvar_epi16(part, static_cast<__mmask32>(kOrder.takes_own),
+                                         _mm512_load_si512(kOrder.own), own);
+    return _mm512_mask_permutexvar_epi16(part, static_cast<__mmask32>(kOrder.takes_inner),
+                                         _mm512_load_si512(kOrder.inner), inner);
+  }
+  template <std::size_t kPart>
+  static Vector GreyPart(Vector grey) {
+    return _mm512_permutexvar_epi16(_mm512_load_si512(kGreyOrder<std::uint16_t, kPart>.index),
+                                    grey);
+  }
+};
+
+}  // namespace
+}  // namespace ormidex::convert

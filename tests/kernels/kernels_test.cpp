@@ -1,0 +1,206 @@
+// Every tier that the machine has, bit for bit against the scalar tier.
+//
+// The seed is printed and can be set: ORMIDEX_TEST_SEED=1234. Each test begins with
+// the seed anew, so that one alone repeats what it did among the others.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "convert/convert.h"
+#include "convert/guarded_buffer.h"
+#include "convert/tiers.h"
+#include "platform/processor.h"
+
+namespace ormidex::convert {
+namespace {
+
+using platform::ProcessorPretence;
+
+unsigned Seed() {
+  static const unsigned seed = [] {
+    const char* given = std::getenv("ORMIDEX_TEST_SEED");
+    const unsigned chosen = given != nullptr ? static_cast<unsigned>(std::atoi(given)) : 20010917u;
+    std::printf("ORMIDEX_TEST_SEED=%u\n", chosen);
+    return chosen;
+  }();
+  return seed;
+}
+
+enum class Content { kRandom, kExtremes, kTwoLevels, kRamp, kNearlyFlat, kCheckers, kCount };
+
+// Worst cases beside noise: only the two ends of the range; two neighbouring values,
+// where roundings differ; slow ramps; near-flat fields about the edge threshold.
+void Fill(Content content, std::mt19937& random, std::size_t width, GuardedBuffer& frame) {
+  for (std::size_t i = 0; i < frame.Size(); ++i) {
+    const auto noise = static_cast<unsigned>(random());
+    const std::size_t x = i % width;
+    unsigned value = noise;
+    switch (content) {
+      case Content::kExtremes:
+        value = (noise & 1) != 0 ? 255 : 0;
+        break;
+      case Content::kTwoLevels:
+        value = 10 + (noise & 1);
+        break;
+      case Content::kRamp:
+        value = static_cast<unsigned>(3 * x + 7 * (i / width));
+        break;
+      case Content::kNearlyFlat:
+        value = 120 + noise % 24;
+        break;
+      case Content::kCheckers:
+        value = ((x + i / width) & 1) != 0 ? 255 : 0;
+        break;
+      default:
+        break;
+    }
+    frame.Data()[i] = static_cast<std::uint8_t>(value);
+  }
+}
+
+using Routine = Status (*)(const std::uint8_t*, std::uint32_t, std::uint32_t, std::uint8_t*,
+                           std::uint32_t, std::uint32_t);
+struct Form {
+  const char* name;
+  Routine routine;
+  std::size_t sample_bytes;
+  std::size_t pixel_bytes;
+};
+constexpr Form kForms[] = {{"8 to 24", DemosaicTo24From8, 1, 3},
+                           {"16 to 24", DemosaicTo24From16, 2, 3},
+                           {"16 to 48", DemosaicTo48From16, 2, 6}};
+
+std::vector<Tier> VectorTiers() {
+  std::vector<Tier> tiers;
+  for (const Tier tier : kTiers) {
+    if (tier != Tier::kScalar && tier <= HighestTier()) tiers.push_back(tier);
+  }
+  return tiers;
+}
+
+class TierUsed {
+ public:
+  explicit TierUsed(Tier tier) : before_(ActiveTier()) { UseTier(tier); }
+  TierUsed(const TierUsed&) = delete;
+  TierUsed& operator=(const TierUsed&) = delete;
+  ~TierUsed() { UseTier(before_); }
+
+ private:
+  Tier before_;
+};
+
+// A map of the pixels that differ, top row first.
+std::string DifferenceMap(const GuardedBuffer& expected, const GuardedBuffer& actual,
+                          std::size_t width, std::size_t height, std::size_t pixel_bytes) {
+  std::string map = "\n";
+  for (std::size_t y = 0; y < height && y < 40; ++y) {
+    for (std::size_t x = 0; x < width && x < 150; ++x) {
+      const std::size_t at = ((height - 1 - y) * width + x) * pixel_bytes;
+      const bool same = std::memcmp(expected.Data() + at, actual.Data() + at, pixel_bytes) == 0;
+      map += same ? '.' : 'X';
+    }
+    map += '\n';
+  }
+  return map;
+}
+
+struct Case {
+  std::uint32_t code;
+  std::uint32_t phase;
+  std::uint32_t width;
+  std::uint32_t height;
+};
+
+void Compare(const Form& form, const Case& c, Content content, std::mt19937& random) {
+  const std::size_t pixels = std::size_t{c.width} * c.height;
+  GuardedBuffer frame(pixels * form.sample_bytes, random() % 3);
+  Fill(content, random, c.width * form.sample_bytes, frame);
+  const std::size_t offset = random() % 67;
+  GuardedBuffer expected(pixels * form.pixel_bytes, offset);
+  {
+    const TierUsed scalar(Tier::kScalar);
+    form.routine(frame.Data(), c.width, c.height, expected.Data(), c.code, c.phase);
+  }
+  for (const Tier tier : VectorTiers()) {
+    const TierUsed used(tier);
+    GuardedBuffer actual(pixels * form.pixel_bytes, offset);
+    form.routine(frame.Data(), c.width, c.height, actual.Data(), c.code, c.phase);
+    SCOPED_TRACE(testing::Message()
+                 << TierName(tier) << ", " << form.name << ", code " << c.code << ", phase "
+                 << c.phase << ", " << c.width << " x " << c.height << ", content "
+                 << static_cast<int>(content) << ", offset " << offset);
+    actual.ExpectGuardsIntact();
+    ASSERT_EQ(std::memcmp(expected.Data(), actual.Data(), expected.Size()), 0)
+        << DifferenceMap(expected, actual, c.width, c.height, form.pixel_bytes);
+  }
+}
+
+void CompareSizes(std::uint32_t code, std::uint32_t phase) {
+  std::mt19937 random(Seed());
+  const auto every_content = [&](const Form& form, std::uint32_t width, std::uint32_t height) {
+    for (int content = 0; content < static_cast<int>(Content::kCount); ++content) {
+      Compare(form, {code, phase, width, height}, static_cast<Content>(content), random);
+      if (testing::Test::HasFatalFailure()) return;
+    }
+  };
+  for (const Form& form : kForms) {
+    for (std::uint32_t width = 1; width <= 150; width += width < 20 || width % 31 < 3 ? 1 : 3) {
+      const std::uint32_t height = 1 + width % 7;
+      every_content(form, width, height);
+      if (testing::Test::HasFatalFailure()) return;
+    }
+    for (std::uint32_t height = 1; height <= 9; ++height) {
+      every_content(form, 132, height);
+      every_content(form, 135, height);
+      if (testing::Test::HasFatalFailure()) return;
+    }
+    // Wider than the strips of 16-bit rows.
+    every_content(form, 4100, 5);
+    every_content(form, 2049, 4);
+    if (testing::Test::HasFatalFailure()) return;
+  }
+}
+
+class EveryTier : public testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(EveryTier, EqualsTheScalarTierOnEverySizeAndContent) { CompareSizes(GetParam(), 0); }
+
+INSTANTIATE_TEST_SUITE_P(Codes, EveryTier, testing::Values(0u, 2u, 3u, 4u, 5u, 16u, 17u, 18u, 255u),
+                         [](const testing::TestParamInfo<std::uint32_t>& code) {
+                           return "Code" + std::to_string(code.param);
+                         });
+
+struct BilinearCase {
+  std::uint32_t phase;
+  ProcessorPretence processor;
+  const char* name;
+};
+
+class EveryTierBilinear : public testing::TestWithParam<BilinearCase> {
+ protected:
+  void SetUp() override { platform::PretendProcessorForTesting(GetParam().processor); }
+  void TearDown() override { platform::PretendProcessorForTesting(ProcessorPretence::kNone); }
+};
+
+TEST_P(EveryTierBilinear, EqualsTheScalarTierOnEverySizeAndContent) {
+  CompareSizes(1, GetParam().phase);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Roundings, EveryTierBilinear,
+    testing::Values(BilinearCase{0, ProcessorPretence::kNoMmx, "PortablePhase0"},
+                    BilinearCase{1, ProcessorPretence::kNoMmx, "PortablePhase1"},
+                    BilinearCase{2, ProcessorPretence::kNoMmx, "PortablePhase2"},
+                    BilinearCase{0, ProcessorPretence::kMmxOnly, "MmxPhase0"},
+                    BilinearCase{1, ProcessorPretence::kMmxOnly, "MmxPhase1"},
+                    BilinearCase{2, ProcessorPretence::kMmxOnly, "MmxPhase2"},
+                    BilinearCase{0, ProcessorPretence::kMmxAndExtended, "ExtendedPhase0"},
+                    BilinearCase{1, ProcessorPretence::kMmxAndExtended, "ExtendedPhase1"},
+                    BilinearCase{2, ProcessorPretence::kMmxAndExtended, "ExtendedPhase2"}),
+    [](const testing::TestParamInfo<BilinearCase>& c) { return c.param.name; });
+
+}  // namespace
+}  // namespace ormidex::convert
