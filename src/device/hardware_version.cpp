@@ -42,7 +42,10 @@ void DescribeCamera(const HardwareVersionWords& words, std::uint32_t firmware_ve
 
 namespace {
 
-// Reduced firmware has no version block: the session knows most of it.
+// Reduced firmware has no version block: the session knows most of it. Its model is
+// the imager type less one, deliberately: bit 0 then says "Monochrome" of a colour
+// imager and "Color" of a monochrome one, and applications know these cameras by
+// exactly those texts.
 Status ReadReducedVersion(CameraSession& session, HardwareVersionWords* words) {
   std::uint8_t revision = 0;
   const Status status = session.ReadCommandRegister(1, &revision);

@@ -5,8 +5,6 @@
 #ifndef ORMIDEX_PLATFORM_CRITICAL_SECTION_H_
 #define ORMIDEX_PLATFORM_CRITICAL_SECTION_H_
 
-#include <cstddef>
-
 namespace ormidex::platform {
 
 class CriticalSection {
@@ -22,7 +20,10 @@ class CriticalSection {
 
  private:
   // Room for the system's object: 24 bytes on 32-bit Windows, 40 on Linux.
-  alignas(std::max_align_t) unsigned char storage_[64] = {};
+  // The alignment is a number, because on 32-bit Windows std::max_align_t is 8 or 16,
+  // depending on which header defines it first: the layout would differ between
+  // files. 8 suffices for both objects and needs no over-aligned allocation.
+  alignas(8) unsigned char storage_[64] = {};
 };
 
 // Holds a lock for a scope.

@@ -20,7 +20,9 @@ bool FaultDue(FaultPoint point) noexcept {
   std::atomic<int>& countdown = Countdown(point);
   int left = countdown.load(std::memory_order_relaxed);
   while (left > 0) {
-    if (countdown.compare_exchange_weak(left, left - 1, std::memory_order_relaxed)) {
+    // Released, so that a test that saw the refusal sees what led to it.
+    if (countdown.compare_exchange_weak(left, left - 1, std::memory_order_acq_rel,
+                                        std::memory_order_relaxed)) {
       return left == 1;
     }
   }
@@ -32,7 +34,7 @@ void RefuseOnceAfter(FaultPoint point, int grants) noexcept {
 }
 
 bool RefusalPending(FaultPoint point) noexcept {
-  return Countdown(point).load(std::memory_order_relaxed) > 0;
+  return Countdown(point).load(std::memory_order_acquire) > 0;
 }
 
 void ClearFaults() noexcept {

@@ -231,7 +231,7 @@ TEST_F(CommandChannelFaults, WithoutAThreadTheStatusIs10AndTheTicketIsGivenAgain
   platform::RefuseOnceAfter(platform::FaultPoint::kThreadStart, 0);
   EXPECT_EQ(session->WriteCommand(bytes.data(), 4), kGeneralFailure);
   EXPECT_EQ(session->command.next_ticket, 1u);
-  EXPECT_EQ(session->command.active_workers.load(), 0u);
+  EXPECT_TRUE(WaitUntil([&] { return session->command.active_workers.load() == 0; }));
   EXPECT_EQ(session->WriteCommand(bytes.data(), 4), kOk);
 }
 

@@ -127,7 +127,7 @@ TEST(CommandThreads, TenThousandMixedTransfersOf32ThreadsEachGetTheirOwnResult) 
   EXPECT_EQ(out_of_order.load(), 0);
   EXPECT_EQ(session->command.next_ticket, static_cast<std::uint32_t>(kThreads * kEach));
   EXPECT_EQ(session->command.now_serving, static_cast<std::uint32_t>(kThreads * kEach));
-  EXPECT_EQ(session->command.active_workers.load(), 0u);
+  EXPECT_TRUE(WaitUntil([&] { return session->command.active_workers.load() == 0; }));
   EXPECT_EQ(session->command.untaken_results.load(), 0u);
 }
 

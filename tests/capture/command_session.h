@@ -2,6 +2,7 @@
 #ifndef ORMIDEX_TESTS_CAPTURE_COMMAND_SESSION_H_
 #define ORMIDEX_TESTS_CAPTURE_COMMAND_SESSION_H_
 
+#include "platform/thread.h"
 #include "support/test_session.h"
 
 namespace ormidex::testing {
@@ -14,8 +15,10 @@ class CommandSession : public TestSession {
     session.command.cancel_event.Create(false);
     session.command.done_event.Create(false);
   }
+  // As closing does: a worker's last step may come after its caller has returned.
   ~CommandSession() {
     device::CameraSession& session = **this;
+    while (session.command.active_workers.load() != 0) platform::SleepMilliseconds(1);
     session.command.cancel_event.Close();
     session.command.channel_event.Close();
     session.command.done_event.Close();

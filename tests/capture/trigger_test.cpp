@@ -200,7 +200,8 @@ TEST_F(Trigger, AFrameThatArrivesAfterTheStopIsNotDelivered) {
   Threads other;
   std::atomic<Status> stopped{kGeneralFailure};
   other.Start([&] { stopped.store(session->StopTriggerMode()); });
-  platform::SleepMilliseconds(30);
+  // The register is pulsed once the worker has been told to stop.
+  ASSERT_TRUE(WaitUntil([this] { return driver.Sent().back().rfind("0x2223FC", 0) == 0; }));
   EXPECT_TRUE(session->IsTriggerActive()) << "the stop waits for the pending read";
   driver.Trigger();
   ASSERT_TRUE(other.Join());

@@ -434,6 +434,20 @@ TEST_F(HardwareVersion, OfFirmwareVariantsComesFromTheSession) {
   EXPECT_STREQ(info.hardwareRevision, "0.0.0.7");
 }
 
+TEST_F(HardwareVersion, OfFirmwareVariantsCallsAMonochromeImagerColorAndTheReverse) {
+  session->identity.firmware_version = 0x034D0000;
+  for (int i = 0; i < 2; ++i) {
+    driver.ExpectEcho(0x2223FC, "00000000 01000000 00000001 00000000");
+  }
+  session->identity.imager_type = 1;
+  EXPECT_EQ(session->GetHardwareVersion(&info), kOk);
+  EXPECT_STREQ(info.model, "0");
+  EXPECT_STREQ(info.description, "Torvenal 1394 Camera (Color)");
+  session->identity.imager_type = 2;
+  EXPECT_EQ(session->GetHardwareVersion(&info), kOk);
+  EXPECT_STREQ(info.description, "Torvenal 1394 Camera (Monochrome)");
+}
+
 TEST_F(HardwareVersion, ReportsPointerDeviceAndFailedRequest) {
   driver.ExpectFailure(0x2223FC,
                        "00000000 07000000 00000000 00000000 00000000 00000000 00000000 00000000");

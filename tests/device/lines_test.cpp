@@ -86,6 +86,16 @@ TEST_F(I2c, ReportsFailedRequests) {
   EXPECT_EQ(in, 0x77);
 }
 
+TEST_F(I2c, SendsNothingWithoutMemory) {
+  std::uint8_t byte = 0x5A;
+  {
+    const Refusal refusal(FaultPoint::kAllocation);
+    EXPECT_EQ(session->I2cWrite(0xA0, &byte, 1), 5u);
+  }
+  const Refusal refusal(FaultPoint::kAllocation);
+  EXPECT_EQ(session->I2cRead(0xA0, &byte, 1, &byte, 1), 5u);
+}
+
 TEST_F(I2c, ChecksDeviceThenPointers) {
   std::uint8_t byte = 0;
   EXPECT_EQ(session->I2cRead(0xA0, nullptr, 1, &byte, 1), 2u);

@@ -9,7 +9,7 @@ import wine
 
 CALLER = wine.BUILD / "tests/windows/caller.exe"
 LIBRARY = wine.BUILD / "src/frame/ormidex.dll"
-ANSWER_WITHIN_S = 30
+ANSWER_WITHIN_S = 10
 
 
 class Application:

@@ -75,13 +75,24 @@ static BOOL CALLBACK PressBox(HWND window, LPARAM unused) {
   return TRUE;
 }
 
-static DWORD WINAPI WatchForBoxes(LPVOID unused) {
-  (void)unused;
+static DWORD WINAPI WatchForBoxes(LPVOID ready) {
   for (;;) {
     EnumWindows(PressBox, 0);
+    SetEvent((HANDLE)ready);
     Sleep(20);
   }
   return 0;
+}
+
+/*
+ * A library that is being loaded may show a box while it holds the loader's lock.
+ * So the watcher must have loaded before whatever looking at windows needs.
+ */
+static void StartWatching(void) {
+  const HANDLE ready = CreateEventA(NULL, FALSE, FALSE, NULL);
+  IsWindow(GetDesktopWindow());
+  CloseHandle(CreateThread(NULL, 0, WatchForBoxes, ready, 0, NULL));
+  WaitForSingleObject(ready, 10000);
 }
 
 /* --- Calls ----------------------------------------------------------------- */
@@ -268,7 +279,7 @@ int main(int argc, char** argv) {
   library_path = argv[1];
   /* Faults end the process at once instead of asking somebody. */
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-  CloseHandle(CreateThread(NULL, 0, WatchForBoxes, NULL, 0, NULL));
+  StartWatching();
   while (fgets(line, sizeof line, stdin) != NULL) {
     const uint32_t count = Split(line, words);
     if (count == 0) continue;

@@ -32,10 +32,34 @@ ENVIRONMENT = {
 TIMEOUT_S = 120
 
 
+def succeeds(*arguments):
+    return subprocess.run(arguments, check=False, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL).returncode == 0
+
+
+def make_installation():
+    """A writable view of the template where the system grants one, else a copy.
+
+    The mounts belong to the run's own name space and end with it.
+    """
+    subprocess.run(["rm", "-rf", PREFIX], check=True)
+    PREFIX.mkdir()
+    layer = Path("/run/windows")
+    layer.mkdir(exist_ok=True)
+    if succeeds("mount", "-t", "tmpfs", "tmpfs", str(layer)):
+        (layer / "upper").mkdir()
+        (layer / "work").mkdir()
+        if succeeds("mount", "-t", "overlay", "overlay", "-o",
+                    f"lowerdir={TEMPLATE},upperdir={layer}/upper,workdir={layer}/work",
+                    str(PREFIX)):
+            return
+    PREFIX.rmdir()
+    subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
+
+
 def start_windows():
     """Makes the installation and the display of this run."""
-    subprocess.run(["rm", "-rf", PREFIX], check=True)
-    subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
+    make_installation()
     SCRATCH.mkdir()
     display = subprocess.Popen(
         ["Xvfb", ENVIRONMENT["DISPLAY"], "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
@@ -50,7 +74,8 @@ def stop_windows(display):
     subprocess.run(["wineserver", "-k"], env=ENVIRONMENT, check=False)
     display.terminate()
     display.wait()
-    subprocess.run(["rm", "-rf", PREFIX], check=False)
+    if not succeeds("umount", str(PREFIX)):
+        subprocess.run(["rm", "-rf", PREFIX], check=False)
 
 
 def windows_path(path):
