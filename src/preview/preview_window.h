@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "platform/window.h"
+
 namespace ormidex::preview {
 
 enum WindowMessage : std::uint32_t {
@@ -20,6 +22,9 @@ class PreviewWindow {
   // Delivers a message and returns when the window has handled it.
   virtual void SendMessageSync(std::uint32_t message, std::uintptr_t first,
                                std::uintptr_t second) = 0;
+  virtual bool ReadPlacement(platform::WindowPlacement* placement) = 0;
+  virtual bool ReadClientSize(std::int32_t* width, std::int32_t* height) = 0;
+  virtual void ShowNormal() = 0;
 };
 
 }  // namespace ormidex::preview
