@@ -13,7 +13,8 @@ readonly build_needs="
   libbenchmark-dev=/usr/include/benchmark/benchmark.h
   libjpeg62-turbo-dev=/usr/include/jpeglib.h
   libstb-dev=/usr/include/stb/stb_image.h
-  libcli11-dev=/usr/include/CLI/CLI.hpp"
+  libcli11-dev=/usr/include/CLI/CLI.hpp
+  libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb"
 readonly bench_needs="$build_needs libopencv-dev=/usr/include/opencv4/opencv2/core.hpp"
 readonly format_needs="clang-format=clang-format clang-tidy=clang-tidy $build_needs"
 readonly windows_needs="$build_needs

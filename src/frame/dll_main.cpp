@@ -1,16 +1,16 @@
 // Load and unload of the Windows library.
 #include <windows.h>
 
-#include "frame/preview_class.h"
 #include "frame/startup.h"
 #include "platform/message_box.h"
+#include "platform/window.h"
 
 namespace {
 
 HINSTANCE library_module = nullptr;
 
 constexpr ormidex::frame::StartUpSystem kSystem = {
-    [] { ormidex::frame::RegisterPreviewClass(library_module); },
+    [] { ormidex::platform::RegisterPreviewClass(library_module); },
     &ormidex::platform::ReadSystemVersion,
     &ormidex::platform::ShowMessage,
 };
@@ -28,7 +28,7 @@ extern "C" __attribute__((force_align_arg_pointer)) BOOL WINAPI DllMain(HINSTANC
       library_module = module;
       return ormidex::frame::StartUp(kSystem) ? TRUE : FALSE;
     case DLL_PROCESS_DETACH:
-      if (reserved == nullptr) ormidex::frame::UnregisterPreviewClass();
+      if (reserved == nullptr) ormidex::platform::UnregisterPreviewClass();
       return TRUE;
     default:
       return TRUE;

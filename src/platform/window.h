@@ -36,16 +36,22 @@ struct WindowPlacement {
   WindowRect normal;  // position when neither minimised nor maximised, borders included
 };
 
+class NativeWindow;
+
 // What happens to a window.
 class WindowHandler {
  public:
   virtual ~WindowHandler() = default;
+  // The window exists, before anything else is told of it. False: it goes again and
+  // its creation fails.
+  virtual bool OnCreate(NativeWindow& window) = 0;
   // A message of the application's own, 0x401 and above.
   virtual void OnMessage(std::uint32_t message, std::uintptr_t first, std::uintptr_t second) = 0;
   virtual void OnPaint() = 0;
-  // The client area's size changed.
+  // The client area's size changed; 0 x 0 while the window is minimised.
   virtual void OnSize(std::int32_t width, std::int32_t height) = 0;
-  // The window is about to go, for whatever reason; called once.
+  // The window is about to go or has just gone, for whatever reason; called once,
+  // also after an OnCreate that failed.
   virtual void OnDestroy() = 0;
 };
 
@@ -64,7 +70,9 @@ class NativeWindow {
   // Deleting a window that is still there destroys it first.
   virtual ~NativeWindow() = default;
 
-  // False when there is no window any more.
+  // False when there is no window any more, or when the system refuses because the
+  // window belongs to another thread; its handler is then told OnDestroy all the
+  // same, and nothing after it.
   virtual bool Destroy() = 0;
   // Runs the handler's OnMessage and returns when it has. Does nothing when there
   // is no window any more.
@@ -78,7 +86,8 @@ class NativeWindow {
   virtual void Place(const WindowRect& position) = 0;
   virtual void ShowNormal() = 0;
 
-  // Takes the drawing context; drawing is possible until it is given back.
+  // Takes the drawing context; drawing is possible until it is given back. Neither
+  // may be called while a thread draws.
   virtual bool AcquireContext() = 0;
   virtual void ReleaseContext() = 0;
   // Stretches the image over destination_width x destination_height pixels from the
@@ -93,7 +102,7 @@ inline constexpr std::int32_t kMaxTrackHeight = 1074;
 
 struct WindowArguments {
   const char* title = "";
-  std::uint32_t style = 0;  // the platform's style bits; on Linux only WS_CHILD counts
+  std::uint32_t style = 0;  // the style bits of Windows; see linux/window.cpp
   std::int32_t x = 0;
   std::int32_t y = 0;
   void* parent = nullptr;        // window handle, or on Linux an X11 window id
@@ -112,7 +121,9 @@ void ReplaceWindowFactoryForTesting(WindowFactory factory) noexcept;
 // The preview's window class: registered when the library is loaded. Neither a
 // missing icon nor a failed registration is noticed; then only previews fail.
 void RegisterPreviewClass(void* module) noexcept;
+// Not before the last preview window is gone.
 void UnregisterPreviewClass() noexcept;
+const char* PreviewClassName() noexcept;
 #endif
 
 }  // namespace ormidex::platform

@@ -33,31 +33,32 @@ LiveWindow::~LiveWindow() { delete window_; }
 
 bool LiveWindow::Create(const platform::WindowArguments& arguments) {
   window_ = platform::CreateNativeWindow(arguments, *this);
-  if (window_ == nullptr) return false;
-  if (SetUp()) return true;
-  window_->Destroy();
-  return false;
+  return window_ != nullptr;
 }
 
-bool LiveWindow::SetUp() {
-  if (!frame_ready_.Create(false) || !buffer_free_.Create(true) || !grab_quit_.Create(false) ||
-      !render_quit_.Create(false)) {
-    return false;
-  }
+// What a failure leaves behind goes in OnDestroy, which follows it.
+bool LiveWindow::OnCreate(platform::NativeWindow& window) {
+  window_ = &window;
+  if (!CreateEvents()) return false;
   saved_header_ = platform::Buffer(kGreyHeaderBytes);
-  if (!saved_header_ || !window_->AcquireContext() || !AllocateBuffers()) return false;
+  if (!saved_header_ || !window.AcquireContext() || !AllocateBuffers()) return false;
   session_.preview.suspended.store(0);
   if (!StartThreads()) return false;
   session_.preview.frame_rate.store(0.0f);
   displayed_frames_.store(0.0f);
   Place();
   // Given back at once, deliberately: the fine resolution costs every program of the
-  // machine power, and the preview paces itself by the camera.
+  // machine power, and the preview is paced by the camera.
   platform::BeginFineTimerResolution();
   platform::EndFineTimerResolution();
   last_tick_ = platform::TickMilliseconds();
   timer_ = platform::StartPeriodicTimer(kFrameRatePeriodMs, &OnTick, this);
   return timer_ != 0;
+}
+
+bool LiveWindow::CreateEvents() {
+  return frame_ready_.Create(false) && buffer_free_.Create(true) && grab_quit_.Create(false) &&
+         render_quit_.Create(false);
 }
 
 bool LiveWindow::AllocateBuffers() {
@@ -66,8 +67,12 @@ bool LiveWindow::AllocateBuffers() {
              geometry.height,
              geometry.frame_bytes,
              geometry.rgb_bytes,
-             session_.identity.imager_type == device::kImagerColour,
-             geometry.bytes_per_pixel == 2};
+             session_.identity.imager_type == device::kImagerMono,
+             geometry.bytes_per_pixel != 1};
+  // First all of the old, so that the new finds their room.
+  raw_ = {};
+  display_ = {};
+  header_ = {};
   raw_ = platform::Buffer(format_.raw_bytes);
   display_ = platform::Buffer(format_.rgb_bytes);
   header_ = platform::Buffer(format_.HeaderBytes());
@@ -126,27 +131,31 @@ void LiveWindow::OnMessage(std::uint32_t message, std::uintptr_t first, std::uin
   }
 }
 
-// A snapshot that cannot be taken for want of memory leaves nothing to repaint.
+// A snapshot that cannot be taken for want of memory leaves nothing to repaint; nor
+// do buffers that an earlier rebuild found no memory for.
 void LiveWindow::Suspend() {
   if (session_.preview.suspended.load() != 0) return;
   StopThreads();
-  saved_format_ = format_;
-  std::memcpy(saved_header_.Bytes(), header_.Bytes(), format_.HeaderBytes());
-  snapshot_ = platform::Buffer::Uncleared(format_.rgb_bytes);
-  if (snapshot_) std::memcpy(snapshot_.Bytes(), display_.Bytes(), format_.rgb_bytes);
+  snapshot_ = {};
+  if (display_ && header_) {
+    saved_format_ = format_;
+    std::memcpy(saved_header_.Bytes(), header_.Bytes(), format_.HeaderBytes());
+    snapshot_ = platform::Buffer::Uncleared(format_.rgb_bytes);
+    if (snapshot_) std::memcpy(snapshot_.Bytes(), display_.Bytes(), format_.rgb_bytes);
+  }
   session_.preview.suspended.store(1);
 }
 
 void LiveWindow::Resume() {
   if (session_.preview.suspended.load() == 0) return;
-  if (!raw_ || !display_ || !header_) return;  // an earlier rebuild found no memory
+  if (!raw_ || !display_ || !header_) return;
   if (StartThreads()) session_.preview.suspended.store(0);
 }
 
 // Setters suspend the preview before they change the geometry; a message that comes
 // to a running preview all the same must not pull its buffers from under it.
 void LiveWindow::RebuildBuffers() {
-  const bool running = grab_stopped_.load() == 0;
+  const bool running = ThreadsRun();
   StopThreads();
   if (AllocateBuffers() && running) StartThreads();
 }
@@ -210,10 +219,13 @@ bool LiveWindow::StartThreads() {
   frame_ready_.Wait(0);
   buffer_free_.Wait(0);
   buffer_free_.Signal();
-  return StartOne(&RunGrab, grab_stopped_) && StartOne(&RunRender, render_stopped_);
+  if (StartOne(&RunGrab, grab_stopped_) && StartOne(&RunRender, render_stopped_)) return true;
+  StopThreads();
+  return false;
 }
 
-// A thread marks itself running as its first act, so this spins for microseconds.
+// A thread marks itself running as its first act, so this spins, deliberately
+// without sleeping, for microseconds.
 bool LiveWindow::StartOne(platform::ThreadEntry entry, std::atomic<std::uint32_t>& stopped) {
   if (stopped.load() == 0) return true;
   if (!platform::StartThread(entry, this)) return false;
@@ -223,9 +235,10 @@ bool LiveWindow::StartOne(platform::ThreadEntry entry, std::atomic<std::uint32_t
 }
 
 // The grab thread first: it may hold a frame that the render thread waits for. The
-// extra signal wakes a thread that has nothing to do.
+// extra signal wakes a thread that has nothing to do. A grab thread that sits in a
+// frame read stays for as long as the driver makes it wait.
 void LiveWindow::StopThreads() {
-  if (grab_stopped_.load() == 0) {
+  if (ThreadsRun()) {
     grab_quit_.Signal();
     buffer_free_.Signal();
     while (grab_stopped_.load() == 0) {
@@ -274,7 +287,7 @@ void LiveWindow::ConvertFrame() {
   if (format_.IsMono8()) {
     CallOverlay(raw_.Bytes());
     ReverseRows();
-  } else if (!format_.colour) {
+  } else if (format_.mono) {
     session_.ConvertMono16BppTo24Bpp(raw_.Bytes(), format_.width, format_.height, display_.Bytes());
   } else if (format_.wide) {
     session_.ConvertColor16BppTo24Bpp(raw_.Bytes(), format_.width, format_.height, display_.Bytes(),
@@ -300,11 +313,12 @@ void LiveWindow::CallOverlay(void* image) {
                            format_.OverlayFormat());
 }
 
+// A stop wakes this thread for one last image: what the grab thread finished last is
+// then on the screen, and is what a snapshot shows.
 void LiveWindow::Render() {
   render_stopped_.store(0);
   for (;;) {
     frame_ready_.Wait(platform::kWaitForever);
-    if (render_quit_.Wait(0)) break;
     DrawFrame();
     buffer_free_.Signal();
     displayed_frames_.store(displayed_frames_.load(std::memory_order_relaxed) + 1.0f);

@@ -44,20 +44,21 @@ class LiveWindow final : public PreviewWindow, private platform::WindowHandler {
     std::uint32_t height = 0;
     std::uint32_t raw_bytes = 0;
     std::uint32_t rgb_bytes = 0;
-    bool colour = false;
+    bool mono = false;
     bool wide = false;  // 16-bit samples
-    bool IsMono8() const { return !colour && !wide; }
+    bool IsMono8() const { return mono && !wide; }
     std::uint32_t HeaderBytes() const;
     // Of the image that overlay callbacks see.
     std::uint32_t OverlayFormat() const { return IsMono8() ? 1 : 3; }
   };
 
+  bool OnCreate(platform::NativeWindow& window) override;
   void OnMessage(std::uint32_t message, std::uintptr_t first, std::uintptr_t second) override;
   void OnPaint() override;
   void OnSize(std::int32_t width, std::int32_t height) override;
   void OnDestroy() override;
 
-  bool SetUp();
+  bool CreateEvents();
   bool AllocateBuffers();
   void FillHeader();
   void Place();
@@ -66,6 +67,7 @@ class LiveWindow final : public PreviewWindow, private platform::WindowHandler {
   void RebuildBuffers();
 
   bool StartThreads();
+  bool ThreadsRun() const { return grab_stopped_.load() == 0; }
   bool StartOne(platform::ThreadEntry entry, std::atomic<std::uint32_t>& stopped);
   void StopThreads();
   static void RunGrab(void* self);

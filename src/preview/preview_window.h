@@ -22,9 +22,10 @@ class PreviewWindow {
   // Delivers a message and returns when the window has handled it.
   virtual void SendMessageSync(std::uint32_t message, std::uintptr_t first,
                                std::uintptr_t second) = 0;
-  virtual bool ReadPlacement(platform::WindowPlacement* placement) = 0;
-  virtual bool ReadClientSize(std::int32_t* width, std::int32_t* height) = 0;
-  virtual void ShowNormal() = 0;
+  // Where the window is. A preview that is nowhere on a screen cannot tell.
+  virtual bool ReadPlacement(platform::WindowPlacement*) { return false; }
+  virtual bool ReadClientSize(std::int32_t* /*width*/, std::int32_t* /*height*/) { return false; }
+  virtual void ShowNormal() {}
 };
 
 }  // namespace ormidex::preview

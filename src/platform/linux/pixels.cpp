@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstring>
+#include <initializer_list>
 
 namespace ormidex::platform {
 
@@ -36,45 +37,50 @@ PixelStretcher::PixelStretcher(const PixelFormat& format) : format_(format) {
   }
 }
 
-void PixelStretcher::Resize(const WindowImage& image, std::int32_t width, std::int32_t height) {
-  if (width == width_ && height == height_ && image.width == source_width_) return;
+bool PixelStretcher::Resize(const WindowImage& image, std::int32_t width, std::int32_t height) {
+  if (width == width_ && height == height_ && image.width == source_width_) return true;
+  width_ = 0;  // until everything fits again
+  // X11 rows are padded to 32 bits.
+  stride_ = (static_cast<std::uint32_t>(width) * (format_.bits_per_pixel / 8) + 3) & ~3u;
+  pixels_ = {};
+  pixels_ = Buffer(std::size_t{stride_} * static_cast<std::size_t>(height));
+  source_columns_ = Buffer(sizeof(std::int32_t) * static_cast<std::size_t>(width));
+  if (!pixels_ || !source_columns_) return false;
+  auto* columns = reinterpret_cast<std::int32_t*>(source_columns_.Bytes());
+  for (std::int32_t x = 0; x < width; ++x) {
+    columns[x] = static_cast<std::int32_t>(std::int64_t{x} * image.width / width);
+  }
   width_ = width;
   height_ = height;
   source_width_ = image.width;
-  // X11 rows are padded to 32 bits.
-  stride_ = (static_cast<std::uint32_t>(width) * (format_.bits_per_pixel / 8) + 3) & ~3u;
-  pixels_.resize(std::size_t{stride_} * static_cast<std::size_t>(height));
-  source_columns_.resize(static_cast<std::size_t>(width));
-  for (std::int32_t x = 0; x < width; ++x) {
-    source_columns_[static_cast<std::size_t>(x)] =
-        static_cast<std::int32_t>(std::int64_t{x} * image.width / width);
-  }
+  return true;
 }
 
 template <typename Pixel>
 void PixelStretcher::StretchRow(const WindowImage& image, const std::uint8_t* source,
                                 Pixel* out) const {
+  const auto* columns = reinterpret_cast<const std::int32_t*>(source_columns_.Bytes());
   if (image.bits_per_pixel == 24) {
-    for (const std::int32_t column : source_columns_) {
-      const std::uint8_t* bgr = source + 3 * column;
-      *out++ = static_cast<Pixel>(Place(bgr[2], bgr[1], bgr[0]));
+    for (std::int32_t x = 0; x < width_; ++x) {
+      const std::uint8_t* bgr = source + 3 * columns[x];
+      out[x] = static_cast<Pixel>(Place(bgr[2], bgr[1], bgr[0]));
     }
     return;
   }
   const std::uint8_t* table = static_cast<const std::uint8_t*>(image.header) + kInfoHeaderBytes;
-  for (const std::int32_t column : source_columns_) {
-    const std::uint8_t* entry = table + 4 * source[column];
-    *out++ = static_cast<Pixel>(Place(entry[2], entry[1], entry[0]));
+  for (std::int32_t x = 0; x < width_; ++x) {
+    const std::uint8_t* entry = table + 4 * source[columns[x]];
+    out[x] = static_cast<Pixel>(Place(entry[2], entry[1], entry[0]));
   }
 }
 
-void PixelStretcher::Stretch(const WindowImage& image, std::int32_t width, std::int32_t height) {
-  Resize(image, width, height);
+bool PixelStretcher::Stretch(const WindowImage& image, std::int32_t width, std::int32_t height) {
+  if (!Resize(image, width, height)) return false;
   const std::size_t source_stride =
       static_cast<std::size_t>(image.width) * (image.bits_per_pixel / 8);
   std::int32_t previous = -1;
   for (std::int32_t y = 0; y < height; ++y) {
-    std::uint8_t* row = pixels_.data() + std::size_t{stride_} * static_cast<std::size_t>(y);
+    std::uint8_t* row = pixels_.Bytes() + RowOffset(y);
     const auto source_y = static_cast<std::int32_t>(std::int64_t{y} * image.height / height);
     if (source_y == previous) {
       std::memcpy(row, row - stride_, stride_);
@@ -89,6 +95,7 @@ void PixelStretcher::Stretch(const WindowImage& image, std::int32_t width, std::
       StretchRow(image, source, reinterpret_cast<std::uint32_t*>(row));
     }
   }
+  return true;
 }
 
 }  // namespace ormidex::platform

@@ -2,9 +2,10 @@
 #ifndef ORMIDEX_PLATFORM_LINUX_PIXELS_H_
 #define ORMIDEX_PLATFORM_LINUX_PIXELS_H_
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
 
+#include "platform/memory.h"
 #include "platform/window.h"
 
 namespace ormidex::platform {
@@ -25,14 +26,17 @@ class PixelStretcher {
   explicit PixelStretcher(const PixelFormat& format);
 
   // Nearest source pixel for each destination pixel: column x shows source column
-  // floor(x * image width / width), rows likewise.
-  void Stretch(const WindowImage& image, std::int32_t width, std::int32_t height);
+  // floor(x * image width / width), rows likewise. False without memory.
+  bool Stretch(const WindowImage& image, std::int32_t width, std::int32_t height);
 
-  const std::uint8_t* Row(std::int32_t row) const { return pixels_.data() + Stride() * row; }
+  const std::uint8_t* Row(std::int32_t row) const { return pixels_.Bytes() + RowOffset(row); }
   std::uint32_t Stride() const { return stride_; }
 
  private:
-  void Resize(const WindowImage& image, std::int32_t width, std::int32_t height);
+  std::size_t RowOffset(std::int32_t row) const {
+    return std::size_t{stride_} * static_cast<std::size_t>(row);
+  }
+  bool Resize(const WindowImage& image, std::int32_t width, std::int32_t height);
   template <typename Pixel>
   void StretchRow(const WindowImage& image, const std::uint8_t* source, Pixel* out) const;
   std::uint32_t Place(std::uint8_t red, std::uint8_t green, std::uint8_t blue) const {
@@ -47,8 +51,8 @@ class PixelStretcher {
   std::int32_t height_ = 0;
   std::int32_t source_width_ = 0;
   std::uint32_t stride_ = 0;
-  std::vector<std::int32_t> source_columns_;
-  std::vector<std::uint8_t> pixels_;
+  Buffer source_columns_;  // one std::int32_t for each destination column
+  Buffer pixels_;
 };
 
 }  // namespace ormidex::platform

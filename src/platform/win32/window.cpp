@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <new>
 
 #include "platform/native_window.h"
@@ -16,6 +17,8 @@ constexpr WORD kIconResource = 131;
 constexpr UINT kClassStyle = 0x223;
 constexpr UINT kFirstOwnMessage = WM_USER + 1;
 constexpr UINT kLastOwnMessage = WM_USER + 3;
+// To a window that another thread wants to be rid of.
+constexpr UINT kRetireMessage = WM_USER + 0x100;
 
 HINSTANCE class_module = nullptr;
 
@@ -32,17 +35,32 @@ class Win32Window : public NativeWindow {
     return window != nullptr;
   }
 
-  bool Destroy() override { return window_ != nullptr && DestroyWindow(window_) != FALSE; }
+  // Only the thread that created a window can destroy it. For any other the window
+  // is cut off from its handler, and goes by itself when its thread next looks at
+  // its messages; the refusal is reported.
+  bool Destroy() override {
+    const HWND window = window_.load();
+    if (window == nullptr) return false;
+    if (DestroyWindow(window)) return true;
+    if (IsWindow(window)) {
+      SendMessageA(window, kRetireMessage, 0, 0);
+    } else {
+      Retire();  // it went with its thread, which no longer handles messages
+      window_.store(nullptr);
+    }
+    return false;
+  }
 
   void SendMessageSync(std::uint32_t message, std::uintptr_t first,
                        std::uintptr_t second) override {
-    if (window_ != nullptr) SendMessageA(window_, message, first, static_cast<LPARAM>(second));
+    const HWND window = window_.load();
+    if (window != nullptr) SendMessageA(window, message, first, static_cast<LPARAM>(second));
   }
 
   bool ReadPlacement(WindowPlacement* placement) override {
     WINDOWPLACEMENT native = {};
     native.length = sizeof(native);
-    if (window_ == nullptr || !GetWindowPlacement(window_, &native)) return false;
+    if (!GetWindowPlacement(window_.load(), &native)) return false;
     const RECT& normal = native.rcNormalPosition;
     *placement = {native.showCmd,         native.ptMinPosition.x,
                   native.ptMinPosition.y, native.ptMaxPosition.x,
@@ -52,7 +70,7 @@ class Win32Window : public NativeWindow {
 
   bool ReadClientSize(std::int32_t* width, std::int32_t* height) override {
     RECT client = {};
-    if (window_ == nullptr || !GetClientRect(window_, &client)) return false;
+    if (!GetClientRect(window_.load(), &client)) return false;
     *width = client.right;
     *height = client.bottom;
     return true;
@@ -60,34 +78,36 @@ class Win32Window : public NativeWindow {
 
   bool ReadWindowSize(std::int32_t* width, std::int32_t* height) override {
     RECT window = {};
-    if (window_ == nullptr || !GetWindowRect(window_, &window)) return false;
+    if (!GetWindowRect(window_.load(), &window)) return false;
     *width = window.right - window.left;
     *height = window.bottom - window.top;
     return true;
   }
 
   void Place(const WindowRect& position) override {
+    const HWND window = window_.load();
     WINDOWPLACEMENT native = {};
     native.length = sizeof(native);
-    if (window_ == nullptr || !GetWindowPlacement(window_, &native)) return;
+    if (!GetWindowPlacement(window, &native)) return;
     native.rcNormalPosition = {position.left, position.top, position.right, position.bottom};
-    SetWindowPlacement(window_, &native);
-    MoveWindow(window_, position.left, position.top, position.Width(), position.Height(), TRUE);
+    SetWindowPlacement(window, &native);
+    MoveWindow(window, position.left, position.top, position.Width(), position.Height(), TRUE);
   }
 
   void ShowNormal() override {
-    if (window_ != nullptr) ShowWindow(window_, SW_SHOWNORMAL);
+    const HWND window = window_.load();
+    if (window != nullptr) ShowWindow(window, SW_SHOWNORMAL);
   }
 
   bool AcquireContext() override {
-    context_ = GetDC(window_);
+    context_ = GetDC(window_.load());
     if (context_ == nullptr) return false;
     SetStretchBltMode(context_, COLORONCOLOR);
     return true;
   }
 
   void ReleaseContext() override {
-    if (context_ != nullptr) ReleaseDC(window_, context_);
+    if (context_ != nullptr) ReleaseDC(window_.load(), context_);
     context_ = nullptr;
   }
 
@@ -103,27 +123,39 @@ class Win32Window : public NativeWindow {
   static Win32Window* Of(HWND window) {
     return reinterpret_cast<Win32Window*>(GetWindowLongA(window, GWL_USERDATA));
   }
+  // Windows of this class that somebody else creates have no object, and then no
+  // preview's behaviour.
   static void Attach(HWND window, LPARAM creation) {
     auto* self =
         static_cast<Win32Window*>(reinterpret_cast<const CREATESTRUCTA*>(creation)->lpCreateParams);
-    self->window_ = window;
+    if (self == nullptr) return;
+    self->window_.store(window);
     SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(self));
   }
   void Detach() {
-    SetWindowLongA(window_, GWL_USERDATA, 0);
-    window_ = nullptr;
+    Retire();
+    SetWindowLongA(window_.load(), GWL_USERDATA, 0);
+    window_.store(nullptr);
+  }
+  // Says good-bye to the handler, once.
+  void Retire() {
+    if (retired_) return;
+    retired_ = true;
+    handler_.OnDestroy();
   }
   void Paint() {
+    const HWND window = window_.load();
     PAINTSTRUCT paint;
-    BeginPaint(window_, &paint);
+    BeginPaint(window, &paint);
     handler_.OnPaint();
-    EndPaint(window_, &paint);
+    EndPaint(window, &paint);
   }
   WindowHandler& handler() { return handler_; }
 
  private:
   WindowHandler& handler_;
-  HWND window_ = nullptr;
+  std::atomic<HWND> window_{nullptr};
+  bool retired_ = false;  // of the window's thread
   HDC context_ = nullptr;
 };
 
@@ -138,6 +170,8 @@ LRESULT Dispatch(Win32Window& self, HWND window, UINT message, WPARAM first, LPA
     return 0;
   }
   switch (message) {
+    case WM_CREATE:
+      return self.handler().OnCreate(self) ? 0 : -1;
     case WM_PAINT:
       self.Paint();
       return 0;
@@ -150,9 +184,13 @@ LRESULT Dispatch(Win32Window& self, HWND window, UINT message, WPARAM first, LPA
       LimitTracking(second);
       return 0;
     case WM_DESTROY:
-      self.handler().OnDestroy();
+      self.Retire();
       return 0;
-    case WM_NCDESTROY:
+    case kRetireMessage:
+      self.Detach();
+      PostMessageA(window, WM_CLOSE, 0, 0);
+      return 0;
+    case WM_NCDESTROY:  // the first sign of its end that a failed creation gives
       self.Detach();
       return DefWindowProcA(window, message, first, second);
     default:
@@ -184,6 +222,8 @@ void RegisterPreviewClass(void* module) noexcept {
   window_class.lpszClassName = kClassName;
   RegisterClassA(&window_class);
 }
+
+const char* PreviewClassName() noexcept { return kClassName; }
 
 void UnregisterPreviewClass() noexcept { UnregisterClassA(kClassName, class_module); }
 
