@@ -303,6 +303,18 @@ TEST_F(FirstGenerationSize, SubWindowMovesFirstWhereTheOldSizeStillFits) {
   EXPECT_EQ(session_->SetSubWindow(1, 100, 100, 640, 320), kOk);
 }
 
+// 640 + 640 columns and 480 + 544 rows just fit.
+TEST_F(FirstGenerationSize, SubWindowMovesFirstUpToTheArraysEdge) {
+  script_.Pauses();
+  script_.WritesBlock(4, "02840224");
+  script_.Resumes();
+  script_.Reads(1, 0);
+  script_.Writes(1, 0);
+  script_.WritesBlock(8, "503c");
+  script_.WritesCommand(8, 80);
+  EXPECT_EQ(session_->SetSubWindow(1, 640, 544, 640, 480), kOk);
+}
+
 // 640 + 641 columns would not fit, so the size comes first.
 TEST_F(FirstGenerationSize, SubWindowShrinksFirstWhereTheOldSizeWouldNotFit) {
   script_.Reads(1, 0);
