@@ -1,5 +1,6 @@
 #include "files/bitmap.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -105,45 +106,77 @@ Status CameraSession::SaveFrameAsMono8(void* frame, const char* path) {
 
 namespace {
 
-// The frame as it is written: converted before anything is checked.
-platform::Buffer ConvertForGrey16(const CameraSession& session, const void* frame) {
-  const std::uint32_t bytes = session.geometry.frame_bytes;
-  auto converted = platform::Buffer::Uncleared(bytes);
-  if (converted && frame != nullptr) {
-    files::MoveTenBitsDown(static_cast<const std::uint8_t*>(frame), bytes, converted.Bytes());
-  }
-  return converted;
-}
+// The pixels of a 16-bit grey file. The buffer has room for the whole frame, but
+// touching fresh memory costs more than converting: the whole frame is converted into
+// it only when it must be kept from what the overlay draws, else some at a time.
+class Grey16Pixels {
+ public:
+  Grey16Pixels(const void* frame, std::uint32_t bytes)
+      : frame_(static_cast<const std::uint8_t*>(frame)),
+        bytes_(bytes),
+        buffer_(platform::Buffer::Uncleared(bytes)) {}
 
-Status WriteGrey16(const CameraSession& session, const void* samples, const char* path) {
-  platform::Buffer memory(sizeof(files::Grey16Header));
+  bool HasBuffer() const { return static_cast<bool>(buffer_); }
+  void Leak() { buffer_.Leak(); }
+  void ConvertNow() {
+    files::MoveTenBitsDown(frame_, bytes_, buffer_.Bytes());
+    converted_ = true;
+  }
+  template <std::size_t kPieceBytes>
+  void WriteTo(OutputFile& file, std::uint8_t (&piece)[kPieceBytes]) const {
+    if (converted_) return file.Write(buffer_.Bytes(), bytes_);
+    for (std::size_t done = 0; done < bytes_; done += kPieceBytes) {
+      const std::size_t count = std::min(kPieceBytes, bytes_ - done);
+      files::MoveTenBitsDown(frame_ + done, count, piece);
+      file.Write(piece, count);
+    }
+  }
+
+ private:
+  const std::uint8_t* frame_;
+  std::size_t bytes_;
+  platform::Buffer buffer_;
+  bool converted_ = false;
+};
+
+// One allocation that the C library serves from memory in use, not from fresh pages.
+struct Grey16Memory {
+  files::Grey16Header header;
+  std::uint8_t piece[96 * 1024];
+};
+
+Status WriteGrey16(const CameraSession& session, const Grey16Pixels& pixels, const char* path) {
+  auto memory = platform::Buffer::Uncleared(sizeof(Grey16Memory));
   if (!memory) return kOk;  // silent, deliberately: as in the 8-bit form
-  auto* header = reinterpret_cast<files::Grey16Header*>(memory.Bytes());
-  files::FillGrey16Header(session.bitmap_header, header);
+  auto& work = *reinterpret_cast<Grey16Memory*>(memory.Bytes());
+  files::FillGrey16Header(session.bitmap_header, &work.header);
   OutputFile file(path);
   if (!file) return kFileNotOpened;
-  const std::uint32_t bytes = session.geometry.frame_bytes;
-  const auto file_header = files::MakeBitmapFileHeader(files::kGrey16PixelOffset, bytes);
+  const auto file_header =
+      files::MakeBitmapFileHeader(files::kGrey16PixelOffset, session.geometry.frame_bytes);
   file.Write(&file_header, sizeof(file_header));
-  file.Write(header, sizeof(*header));
-  file.Write(samples, bytes);
+  file.Write(&work.header, sizeof(work.header));
+  pixels.WriteTo(file, work.piece);
   return kOk;
 }
 
 }  // namespace
 
 // The overlay is called with the frame as it was given and with the format of a
-// 24-bit image, deliberately: as the frame is converted already, what applications
-// draw appears in their frame and not in the file.
+// 24-bit image, deliberately: as the frame counts as converted already, what
+// applications draw appears in their frame and not in the file.
 Status CameraSession::SaveFrameAsMono16(void* frame, const char* path) {
-  platform::Buffer converted = ConvertForGrey16(*this, frame);
+  Grey16Pixels pixels(frame, geometry.frame_bytes);
   if (!HasDevice() || path == nullptr || frame == nullptr) {
-    converted.Leak();  // kept on these paths, deliberately: see docs/files.md
+    pixels.Leak();  // kept on these paths, deliberately: see docs/files.md
     return !HasDevice() ? kNoCamera : kNullPointer;
   }
-  files::DrawSavingOverlay(*this, frame, OverlayFormat::kRgb24);
-  if (!converted) return kOutOfMemory;
-  return WriteGrey16(*this, converted.Bytes(), path);
+  const bool has_buffer = pixels.HasBuffer();
+  if (files::HasSavingOverlay(*this)) {
+    if (has_buffer) pixels.ConvertNow();
+    files::DrawSavingOverlay(*this, frame, OverlayFormat::kRgb24);
+  }
+  return has_buffer ? WriteGrey16(*this, pixels, path) : kOutOfMemory;
 }
 
 }  // namespace ormidex::device

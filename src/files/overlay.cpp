@@ -2,6 +2,11 @@
 
 namespace ormidex::files {
 
+bool HasSavingOverlay(device::CameraSession& session) {
+  platform::ScopedLock lock(session.image_lock);
+  return session.overlay.saving != nullptr;
+}
+
 void DrawSavingOverlay(device::CameraSession& session, void* image, OverlayFormat format) {
   platform::ScopedLock lock(session.image_lock);
   if (session.overlay.saving == nullptr) return;

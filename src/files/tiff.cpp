@@ -1,5 +1,6 @@
 #include "files/tiff.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "convert/convert.h"
@@ -72,21 +73,28 @@ namespace {
 using files::OverlayFormat;
 using platform::Buffer;
 
-struct TiffBuffers {
-  Buffer demosaiced;  // as the conversion makes it
-  Buffer reordered;   // as the file wants it
-  Buffer copy;        // of a monochrome frame
+// Rows are put into the file's order in pieces of this size, which stay in the cache.
+constexpr std::size_t kBandBytes = 64 * 1024;
 
-  bool Allocate(std::uint32_t rgb_bytes, std::uint32_t frame_bytes) {
-    demosaiced = Buffer::Uncleared(rgb_bytes);
-    reordered = Buffer::Uncleared(rgb_bytes);
-    copy = Buffer::Uncleared(frame_bytes);
-    return demosaiced && reordered && copy;
+// What one file takes of memory. Fresh memory costs more time than all the rest, so
+// there is none that is not needed.
+struct TiffBuffers {
+  Buffer image;  // colour: demosaiced; monochrome: the copy that the overlay draws into
+  Buffer band;   // colour: some rows as the file wants them
+
+  bool Allocate(const imager::GeometryState& geometry, bool colour) {
+    if (!colour) {
+      image = Buffer::Uncleared(geometry.frame_bytes);
+      return static_cast<bool>(image);
+    }
+    const std::size_t pixel_bytes = geometry.bytes_per_pixel == 2 ? 6 : 3;
+    image = Buffer::Uncleared(std::size_t{geometry.width} * geometry.height * pixel_bytes);
+    band = Buffer::Uncleared(std::max(kBandBytes, geometry.width * pixel_bytes));
+    return image && band;
   }
   void Leak() {
-    demosaiced.Leak();
-    reordered.Leak();
-    copy.Leak();
+    image.Leak();
+    band.Leak();
   }
 };
 
@@ -95,45 +103,65 @@ struct ColourCorrection {
   std::int32_t amount = 0;
 };
 
-void WriteTiff(const imager::GeometryState& geometry, files::TiffForm form, const void* pixels,
-               files::OutputFile& file) {
+void WriteHeader(const imager::GeometryState& geometry, files::TiffForm form,
+                 files::OutputFile& file) {
   const auto header = files::MakeTiffHeader(geometry.width, geometry.height, form);
-  const std::size_t pixel_count = std::size_t{geometry.width} * geometry.height;
   file.Write(&header, sizeof(header));
-  file.Write(pixels, pixel_count * files::TiffBytesPerPixel(form));
+}
+
+// Correcting and reordering work on each pixel alone, so they can be done by bands.
+void WriteReordered(CameraSession& session, const TiffBuffers& buffers, bool wide,
+                    const ColourCorrection& correction, files::OutputFile& file) {
+  const std::uint32_t width = session.geometry.width;
+  const std::uint32_t height = session.geometry.height;
+  const std::size_t row_bytes = std::size_t{width} * (wide ? 6 : 3);
+  if (row_bytes == 0) return;
+  const std::size_t band_rows = std::max<std::size_t>(kBandBytes / row_bytes, 1);
+  for (std::uint32_t left = height; left != 0;) {
+    const auto rows = static_cast<std::uint32_t>(std::min<std::size_t>(band_rows, left));
+    left -= rows;
+    // The band that comes next in the file lies at the end of what is left.
+    files::MakeTopDownRgb(buffers.image.Bytes() + left * row_bytes, width, rows, wide,
+                          buffers.band.Bytes());
+    if (correction.wanted) {
+      session.ColorCorrectRgb(width, rows, buffers.band.Bytes(), correction.amount, wide ? 1 : 0);
+    }
+    file.Write(buffers.band.Bytes(), rows * row_bytes);
+  }
 }
 
 // The overlay draws into the image as the conversions make it, bottom-up and blue
 // first, which is what its callers know.
 Status WriteColour(CameraSession& session, const std::uint8_t* frame, std::uint32_t option,
-                   const ColourCorrection& correction, TiffBuffers& buffers,
+                   const ColourCorrection& correction, const TiffBuffers& buffers,
                    files::OutputFile& file) {
   const imager::GeometryState& geometry = session.geometry;
   const bool wide = geometry.bytes_per_pixel == 2;
   const auto demosaic =
       wide ? &CameraSession::ConvertColor16BppTo48Bpp : &CameraSession::ConvertColor8BppTo24Bpp;
-  const Status status = (session.*demosaic)(frame, geometry.width, geometry.height,
-                                            buffers.demosaiced.Bytes(), option);
+  const Status status =
+      (session.*demosaic)(frame, geometry.width, geometry.height, buffers.image.Bytes(), option);
   if (status != kOk) return status;  // no memory for the algorithm's own plane
-  files::DrawSavingOverlay(session, buffers.demosaiced.Bytes(),
+  files::DrawSavingOverlay(session, buffers.image.Bytes(),
                            wide ? OverlayFormat::kRgb48 : OverlayFormat::kRgb24);
-  files::MakeTopDownRgb(buffers.demosaiced.Bytes(), geometry.width, geometry.height, wide,
-                        buffers.reordered.Bytes());
-  if (correction.wanted) {
-    session.ColorCorrectRgb(geometry.width, geometry.height, buffers.reordered.Bytes(),
-                            correction.amount, wide ? 1 : 0);
-  }
-  WriteTiff(geometry, {wide ? 16u : 8u, 3}, buffers.reordered.Bytes(), file);
+  WriteHeader(geometry, {wide ? 16u : 8u, 3}, file);
+  WriteReordered(session, buffers, wide, correction, file);
   return kOk;
 }
 
-void WriteMonochrome(CameraSession& session, const void* frame, TiffBuffers& buffers,
+// The caller's frame is not drawn into; without an overlay it needs no copy.
+void WriteMonochrome(CameraSession& session, const void* frame, const TiffBuffers& buffers,
                      files::OutputFile& file) {
   const imager::GeometryState& geometry = session.geometry;
-  std::memcpy(buffers.copy.Bytes(), frame, geometry.frame_bytes);
-  files::DrawSavingOverlay(session, buffers.copy.Bytes(),
-                           static_cast<OverlayFormat>(geometry.bytes_per_pixel));
-  WriteTiff(geometry, {8 * geometry.bytes_per_pixel, 1}, buffers.copy.Bytes(), file);
+  const void* pixels = frame;
+  if (files::HasSavingOverlay(session)) {
+    std::memcpy(buffers.image.Bytes(), frame, geometry.frame_bytes);
+    files::DrawSavingOverlay(session, buffers.image.Bytes(),
+                             static_cast<OverlayFormat>(geometry.bytes_per_pixel));
+    pixels = buffers.image.Bytes();
+  }
+  WriteHeader(geometry, {8 * geometry.bytes_per_pixel, 1}, file);
+  file.Write(pixels, geometry.frame_bytes);
 }
 
 }  // namespace
@@ -148,14 +176,15 @@ Status CameraSession::SaveFrameAsTiff(const void* frame, const char* path,
   if (!files::FitsInMemory(geometry.width, geometry.height, 3 * channel_bytes)) {
     return kOutOfMemory;
   }
+  const bool colour = identity.imager_type == kImagerColour;
   TiffBuffers buffers;
-  if (!buffers.Allocate(geometry.rgb_bytes * channel_bytes, geometry.frame_bytes)) {
+  if (!buffers.Allocate(geometry, colour)) {
     buffers.Leak();  // those that could be had are kept, deliberately: see docs/files.md
     return kOutOfMemory;
   }
   files::OutputFile file(path);
   if (!file) return kFileNotOpened;
-  if (identity.imager_type == kImagerColour) {
+  if (colour) {
     return WriteColour(*this, static_cast<const std::uint8_t*>(frame), option,
                        {colour_correct != 0, amount}, buffers, file);
   }

@@ -182,6 +182,20 @@ TEST_F(Bitmap, EverySampleMovesItsUpperTenBitsDown) {
   }
 }
 
+// Larger than what is converted at a time.
+TEST_F(Bitmap, LargeFramesAreConvertedWhole) {
+  FilesSession session(driver, kImagerMono, 331, 211, 2);
+  Bytes frame = Noise(331 * 211 * 2, 9);
+  EXPECT_EQ(session->SaveFrameAsMono16(frame.data(), file.path()), kOk);
+  const Bytes content = file.Content();
+  ASSERT_EQ(content.size(), 4150 + frame.size());
+  for (std::size_t i = 0; i < frame.size(); i += 2) {
+    ASSERT_EQ(content[4150 + i] + 256u * content[4150 + i + 1],
+              (frame[i] + 256u * frame[i + 1]) / 64)
+        << "byte " << i;
+  }
+}
+
 TEST_F(Bitmap, AnOddNumberOfBytesIsNotReadOrWrittenPast) {
   // An 8-bit camera of 3 x 1 in the 16-bit form: exactly three bytes each.
   const Bytes samples = FromHex("c0 ff ff");

@@ -232,19 +232,45 @@ TEST_F(Tiff, ChecksComeInOrder) {
   EXPECT_FALSE(file.Exists());
 }
 
-TEST_F(Tiff, EachOfTheThreeBuffersIsNeeded) {
-  FilesSession session(driver, kImagerMono, 2, 2, 1);
-  for (int granted = 0; granted < 3; ++granted) {
+TEST_F(Tiff, EachBufferIsNeeded) {
+  FilesSession colour(driver, kImagerColour, 2, 2, 1);
+  for (int granted = 0; granted < 2; ++granted) {
     platform::RefuseOnceAfter(platform::FaultPoint::kAllocation, granted);
-    EXPECT_EQ(Save(session, Bytes(4)), kOutOfMemory) << granted;
-    platform::ClearFaults();
+    EXPECT_EQ(Save(colour, Bytes(4)), kOutOfMemory) << granted;
   }
+  FilesSession mono(driver, kImagerMono, 2, 2, 1);
+  platform::RefuseOnceAfter(platform::FaultPoint::kAllocation, 0);
+  EXPECT_EQ(Save(mono, Bytes(4)), kOutOfMemory);
   EXPECT_FALSE(file.Exists());
+}
+
+// More than one band of rows, the last one not full.
+TEST_F(Tiff, LargeImagesAreReorderedAndCorrectedRowByRow) {
+  for (const std::uint32_t bytes : {1u, 2u}) {
+    FilesSession session(driver, kImagerColour, 300, 301, bytes);
+    const std::size_t row = 300 * 3 * bytes;
+    const Bytes frame = Noise(300 * 301 * bytes, 5);
+    Bytes image(row * 301);
+    const auto demosaic = bytes == 2 ? &CameraSession::ConvertColor16BppTo48Bpp
+                                     : &CameraSession::ConvertColor8BppTo24Bpp;
+    ASSERT_EQ(((*session).*demosaic)(frame.data(), 300, 301, image.data(), 1), kOk);
+    ASSERT_EQ(session->ColorCorrectRgb(300, 301, image.data(), 30, bytes - 1), kOk);
+    ASSERT_EQ(session->SaveFrameAsTiff(frame.data(), file.path(), 1, 30, 1), kOk);
+    const Bytes content = file.Content();
+    ASSERT_EQ(content.size(), 146 + image.size());
+    for (std::size_t i = 0; i < image.size(); ++i) {
+      const std::size_t y = i / row;
+      const std::size_t pixel = i % row / (3 * bytes) * 3 * bytes;
+      const std::size_t channel = 2 - i % (3 * bytes) / bytes;
+      ASSERT_EQ(content[146 + i], image[(300 - y) * row + pixel + channel * bytes + i % bytes])
+          << "byte " << i;
+    }
+  }
 }
 
 TEST_F(Tiff, AConversionWithoutMemoryForItsOwnPlaneIs9) {
   FilesSession session(driver, kImagerColour, 6, 6, 1);
-  platform::RefuseOnceAfter(platform::FaultPoint::kAllocation, 3);
+  platform::RefuseOnceAfter(platform::FaultPoint::kAllocation, 2);
   EXPECT_EQ(Save(session, Bytes(36), 3), kOutOfMemory);
 }
 
