@@ -35,7 +35,12 @@ struct Avx512Vector {
     return {_mm512_add_epi32(a.value, b.value)};
   }
   static std::uint32_t Total(Avx512Vector v) {
-    return static_cast<std::uint32_t>(_mm512_reduce_add_epi32(v.value));
+    const __m256i half =
+        _mm256_add_epi32(_mm512_castsi512_si256(v.value), _mm512_extracti64x4_epi64(v.value, 1));
+    __m128i sum = _mm_add_epi32(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+    sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, _MM_SHUFFLE(1, 0, 3, 2)));
+    sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, _MM_SHUFFLE(2, 3, 0, 1)));
+    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(sum));
   }
 };
 
