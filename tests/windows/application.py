@@ -9,7 +9,8 @@ import wine
 
 CALLER = wine.BUILD / "tests/windows/caller.exe"
 LIBRARY = wine.BUILD / "src/frame/ormidex.dll"
-ANSWER_WITHIN_S = 10
+# An answer takes milliseconds; a machine busy with other work may take its time.
+ANSWER_WITHIN_S = 60
 
 
 class Application:

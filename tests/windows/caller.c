@@ -10,6 +10,8 @@
  *                                17 0x11 -1   a number        f1.5   a float
  *                                "text"       a string        $a     variable a
  *                                &a           its address     @3     buffer 3
+ *                                *a           a callback (handle, buffer) that
+ *                                             counts its calls in variable a
  *   set VARIABLE NUMBER        a to z, 32 bits each, 0 at first
  *   get VARIABLE               its value
  *   buffer N BYTES             a buffer of zeros; N from 0 to 9
@@ -126,6 +128,15 @@ static uint32_t CallFunction(void* function, const uint32_t* arguments, uint32_t
   return result;
 }
 
+static uint32_t* counted_calls;
+
+static uint32_t __stdcall CountCall(uint32_t handle, void* buffer) {
+  (void)handle;
+  (void)buffer;
+  ++*counted_calls;
+  return 0;
+}
+
 static uint32_t* Variable(const char* name) {
   if (name == NULL || name[0] < 'a' || name[0] > 'z') return NULL;
   return &variables[name[0] - 'a'];
@@ -147,6 +158,9 @@ static uint32_t Argument(const char* word) {
       return *Variable(word + 1);
     case '&':
       return Pointer(Variable(word + 1));
+    case '*':
+      counted_calls = Variable(word + 1);
+      return (uint32_t)(uintptr_t)CountCall;
     case '@':
       return Pointer(buffers[(word[1] - '0') % kBuffers]);
     case 'f':
