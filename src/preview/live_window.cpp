@@ -313,8 +313,8 @@ void LiveWindow::CallOverlay(void* image) {
                            format_.OverlayFormat());
 }
 
-// A stop wakes this thread for one last image: what the grab thread finished last is
-// then on the screen, and is what a snapshot shows.
+// A stop wakes this thread as a frame would, and it draws once more what the display
+// buffer holds: the grab thread has ended before, so nobody changes it.
 void LiveWindow::Render() {
   render_stopped_.store(0);
   for (;;) {
