@@ -1,5 +1,9 @@
+#include <cmath>
+#include <initializer_list>
+
 #include "convert/convert.h"
 #include "convert/samples.h"
+#include "convert/tiers.h"
 
 namespace ormidex::convert {
 namespace {
@@ -39,6 +43,40 @@ void Correct(std::uint8_t* image, std::size_t pixels, const Factors& factors) {
   }
 }
 
+// The factors in the kernels' fixed point; false where they have more digits or are
+// larger than it holds, which only amounts near -100 and beyond some thousands do.
+bool ToFixedPoint(const Factors& factors, CorrectionFactors& fixed) {
+  constexpr int kFractionBits = 30 + kCorrectionHighBits;
+  constexpr double kLimit = 127.0;
+  fixed = {};
+  int half = 0;
+  for (const double factor : {factors.own - factors.others, factors.others}) {
+    const double scaled = std::ldexp(factor, kFractionBits);
+    if (!(std::fabs(factor) < kLimit) || scaled != std::floor(scaled)) {
+      return false;
+    }
+    const auto bits = static_cast<std::int64_t>(scaled);
+    const std::int64_t limbs[3] = {bits >> 30, (bits >> 15) & 0x7FFF, bits & 0x7FFF};
+    for (int i = 0; i < 3; ++i) {
+      const auto limb = static_cast<std::uint32_t>(static_cast<std::uint16_t>(limbs[i]));
+      fixed.limbs[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(fixed.limbs[i]) |
+                                                 limb << (16 * half));
+    }
+    ++half;
+  }
+  return true;
+}
+
+// Pixels of 3 bytes that a kernel did.
+std::size_t CorrectByKernel(std::uint8_t* image, std::size_t pixels, const Factors& factors) {
+  const Kernels* kernels = KernelsOf(ActiveTier());
+  CorrectionFactors fixed;
+  if (kernels == nullptr || !ToFixedPoint(factors, fixed)) {
+    return 0;
+  }
+  return kernels->color_correct24(image, pixels, fixed);
+}
+
 }  // namespace
 
 void ColorCorrect(void* image, std::size_t pixels, std::int32_t amount, bool wide) {
@@ -47,7 +85,8 @@ void ColorCorrect(void* image, std::size_t pixels, std::int32_t amount, bool wid
   if (wide) {
     Correct<Form16To48>(bytes, pixels, factors);
   } else {
-    Correct<Form8To24>(bytes, pixels, factors);
+    const std::size_t done = CorrectByKernel(bytes, pixels, factors);
+    Correct<Form8To24>(bytes + 3 * done, pixels - done, factors);
   }
 }
 

@@ -58,23 +58,18 @@ class PaddedRows {
     const std::size_t last = std::min(end_ + kMargin, width_);
     std::uint8_t* place = Place(y);
     copy(y, first, last - first, place - (begin_ - first) * kLane);
+    // Frames are at least twice the margin wide here, so one reflection is enough.
     if (begin_ == 0) {
-      for (std::ptrdiff_t x = -1; x >= -static_cast<std::ptrdiff_t>(kMargin); --x) {
-        ReflectColumn(place, x);
+      for (std::size_t k = 1; k <= kMargin; ++k) {
+        std::memcpy(place - k * kLane, place + k * kLane, kLane);
       }
     }
     if (last == width_) {
-      for (std::size_t x = width_; x < end_ + kMargin; ++x) {
-        ReflectColumn(place, static_cast<std::ptrdiff_t>(x));
+      std::uint8_t* const edge = place + (width_ - 1 - begin_) * kLane;
+      for (std::size_t k = 1; k <= kMargin; ++k) {
+        std::memcpy(edge + k * kLane, edge - k * kLane, kLane);
       }
     }
-  }
-
-  void ReflectColumn(std::uint8_t* place, std::ptrdiff_t x) const {
-    constexpr auto kStep = static_cast<std::ptrdiff_t>(kLane);
-    const auto begin = static_cast<std::ptrdiff_t>(begin_);
-    const auto source = static_cast<std::ptrdiff_t>(Reflect(x, width_));
-    std::memcpy(place + (x - begin) * kStep, place + (source - begin) * kStep, kLane);
   }
 
   std::size_t width_;
@@ -218,7 +213,7 @@ template <typename Form, template <typename> typename Code>
 void DriveReflected(const Code<Form>& code) {
   const Kernels* kernels = KernelsOf(ActiveTier());
   const std::size_t width = code.frame.width;
-  if (kernels == nullptr || width < 8) {
+  if (kernels == nullptr || width < 2 * PaddedRows<Form>::kMargin) {
     for (std::size_t y = 0; y < code.frame.height; ++y) {
       code.Pixels(y, 0, width);
     }

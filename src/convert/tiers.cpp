@@ -12,19 +12,6 @@ namespace {
 constexpr int kNotChosen = -1;
 std::atomic<int> tier_in_use{kNotChosen};
 
-Tier ChooseTier() {
-  const Tier highest = HighestTier();
-  const char* wish = std::getenv("ORMIDEX_TIER");
-  if (wish != nullptr) {
-    for (const Tier tier : kTiers) {
-      if (std::strcmp(wish, TierName(tier)) == 0 && tier < highest) {
-        return tier;
-      }
-    }
-  }
-  return highest;
-}
-
 }  // namespace
 
 const char* TierName(Tier tier) {
@@ -43,11 +30,22 @@ Tier HighestTier() {
   return features.sse2 && features.ssse3 ? Tier::kSsse3 : Tier::kScalar;
 }
 
+Tier TierForWish(const char* wish, Tier highest) {
+  if (wish != nullptr) {
+    for (const Tier tier : kTiers) {
+      if (std::strcmp(wish, TierName(tier)) == 0 && tier < highest) {
+        return tier;
+      }
+    }
+  }
+  return highest;
+}
+
 Tier ActiveTier() {
   int tier = tier_in_use.load(std::memory_order_relaxed);
   if (tier == kNotChosen) {
     // Two threads may choose at once; they choose the same.
-    tier = static_cast<int>(ChooseTier());
+    tier = static_cast<int>(TierForWish(std::getenv("ORMIDEX_TIER"), HighestTier()));
     tier_in_use.store(tier, std::memory_order_relaxed);
   }
   return static_cast<Tier>(tier);

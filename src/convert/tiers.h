@@ -16,6 +16,8 @@ inline constexpr Tier kTiers[] = {Tier::kScalar, Tier::kSsse3, Tier::kAvx2, Tier
 const char* TierName(Tier tier);
 // The highest tier that this machine can run.
 Tier HighestTier();
+// The tier that a value of ORMIDEX_TIER (null: not set) selects on a machine.
+Tier TierForWish(const char* wish, Tier highest);
 // The tier in use.
 Tier ActiveTier();
 // Tests and benchmarks: use this tier; the machine must have it.

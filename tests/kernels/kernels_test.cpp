@@ -2,6 +2,7 @@
 //
 // The seed is printed and can be set: ORMIDEX_TEST_SEED=1234. Each test begins with
 // the seed anew, so that one alone repeats what it did among the others.
+#include <cpuid.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -201,6 +202,150 @@ INSTANTIATE_TEST_SUITE_P(
                     BilinearCase{1, ProcessorPretence::kMmxAndExtended, "ExtendedPhase1"},
                     BilinearCase{2, ProcessorPretence::kMmxAndExtended, "ExtendedPhase2"}),
     [](const testing::TestParamInfo<BilinearCase>& c) { return c.param.name; });
+
+// ---- Monochrome ------------------------------------------------------------
+
+TEST(EveryTierMono, EqualsTheScalarTierOnEverySize) {
+  std::mt19937 random(Seed());
+  for (std::uint32_t width = 1; width <= 200; ++width) {
+    const std::uint32_t height = 1 + width % 3;
+    GuardedBuffer frame(std::size_t{2} * width * height, random() % 3);
+    Fill(Content::kRandom, random, width, frame);
+    const std::size_t offset = random() % 67;
+    for (const auto expand : {ExpandMono8, ExpandMono16}) {
+      GuardedBuffer expected(std::size_t{3} * width * height, offset);
+      {
+        const TierUsed scalar(Tier::kScalar);
+        expand(frame.Data(), width, height, expected.Data());
+      }
+      for (const Tier tier : VectorTiers()) {
+        const TierUsed used(tier);
+        GuardedBuffer actual(std::size_t{3} * width * height, offset);
+        expand(frame.Data(), width, height, actual.Data());
+        SCOPED_TRACE(testing::Message() << TierName(tier) << ", " << width << " x " << height);
+        actual.ExpectGuardsIntact();
+        ASSERT_EQ(expected.Contents(), actual.Contents());
+      }
+    }
+  }
+}
+
+// ---- Colour correction -----------------------------------------------------
+
+TEST(EveryTierColorCorrection, EqualsTheScalarTierForEveryAmount) {
+  std::mt19937 random(Seed());
+  for (std::int32_t amount = -1000; amount <= 1000;
+       amount += amount > -150 && amount < 150 ? 1 : 37) {
+    const std::size_t pixels = 200 + random() % 200;
+    const std::size_t offset = random() % 67;
+    GuardedBuffer original(3 * pixels, offset);
+    Fill(Content::kRandom, random, 3 * pixels, original);
+    // Greys and full channels, where the exact value is at or near an integer.
+    for (std::size_t i = 0; i < 3 * pixels / 2; ++i) {
+      original.Data()[i] = static_cast<std::uint8_t>(i % 7 == 0 ? 255 : i / 3 % 256);
+    }
+    GuardedBuffer expected = original;
+    {
+      const TierUsed scalar(Tier::kScalar);
+      ColorCorrect(expected.Data(), pixels, amount, false);
+    }
+    for (const Tier tier : VectorTiers()) {
+      const TierUsed used(tier);
+      GuardedBuffer actual = original;
+      ColorCorrect(actual.Data(), pixels, amount, false);
+      SCOPED_TRACE(testing::Message() << TierName(tier) << ", amount " << amount);
+      actual.ExpectGuardsIntact();
+      ASSERT_EQ(expected.Contents(), actual.Contents());
+    }
+  }
+}
+
+// ---- What a kernel leaves behind -------------------------------------------
+
+// Vector registers whose upper halves are in use slow down every SSE instruction that
+// the application runs afterwards.
+bool CanAskForStatesInUse() {
+  unsigned a = 0;
+  unsigned b = 0;
+  unsigned c = 0;
+  unsigned d = 0;
+  return __get_cpuid_count(0x0D, 1, &a, &b, &c, &d) != 0 && (a & 4u) != 0;
+}
+
+std::uint32_t StatesInUse() {
+  std::uint32_t low = 0;
+  std::uint32_t high = 0;
+  __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(1));
+  return low;
+}
+
+TEST(EveryTierState, ConversionsLeaveTheUpperHalvesOfVectorRegistersUnused) {
+  if (HighestTier() < Tier::kAvx2 || !CanAskForStatesInUse()) {
+    GTEST_SKIP() << "the processor does not tell which register states are in use";
+  }
+  constexpr std::uint32_t kUpperHalves = 0x04 | 0x40;  // of YMM 0 to 15, of ZMM 0 to 15
+  const std::uint32_t width = 320;
+  const std::uint32_t height = 8;
+  GuardedBuffer frame(std::size_t{2} * width * height);
+  GuardedBuffer image(std::size_t{6} * width * height);
+  for (const Tier tier : VectorTiers()) {
+    const TierUsed used(tier);
+    for (const Form& form : kForms) {
+      for (const std::uint32_t code : {0u, 1u, 2u, 3u, 4u, 5u, 16u, 17u, 18u, 255u}) {
+        __asm__ volatile("vzeroupper");
+        form.routine(frame.Data(), width, height, image.Data(), code, 0);
+        EXPECT_EQ(StatesInUse() & kUpperHalves, 0u)
+            << TierName(tier) << ", " << form.name << ", code " << code;
+      }
+    }
+    ExpandMono8(frame.Data(), width, height, image.Data());
+    ExpandMono16(frame.Data(), width, height, image.Data());
+    EXPECT_EQ(StatesInUse() & kUpperHalves, 0u) << TierName(tier) << ", mono";
+    ColorCorrect(image.Data(), std::size_t{width} * height, 30, false);
+    EXPECT_EQ(StatesInUse() & kUpperHalves, 0u) << TierName(tier) << ", colour correction";
+  }
+}
+
+// ---- The choice of a tier --------------------------------------------------
+
+TEST(Tiers, EachHasItsNameAndItsKernels) {
+  EXPECT_STREQ(TierName(Tier::kScalar), "scalar");
+  EXPECT_STREQ(TierName(Tier::kSsse3), "ssse3");
+  EXPECT_STREQ(TierName(Tier::kAvx2), "avx2");
+  EXPECT_STREQ(TierName(Tier::kAvx512), "avx512");
+  EXPECT_EQ(KernelsOf(Tier::kScalar), nullptr);
+  EXPECT_EQ(LowerTier(KernelsOf(Tier::kAvx512)), KernelsOf(Tier::kAvx2));
+  EXPECT_EQ(LowerTier(KernelsOf(Tier::kAvx2)), KernelsOf(Tier::kSsse3));
+  EXPECT_EQ(LowerTier(KernelsOf(Tier::kSsse3)), nullptr);
+}
+
+TEST(Tiers, TheVariableForcesALowerTierOnly) {
+  EXPECT_EQ(TierForWish("scalar", Tier::kAvx2), Tier::kScalar);
+  EXPECT_EQ(TierForWish("ssse3", Tier::kAvx512), Tier::kSsse3);
+  EXPECT_EQ(TierForWish("avx512", Tier::kAvx2), Tier::kAvx2) << "the machine has no AVX-512";
+  EXPECT_EQ(TierForWish("fastest", Tier::kAvx2), Tier::kAvx2) << "not a tier";
+  EXPECT_EQ(TierForWish(nullptr, Tier::kAvx512), Tier::kAvx512);
+}
+
+// The rounding must not follow the instruction set: a processor that says it has no
+// multimedia extensions gets the portable result at every tier.
+TEST(Tiers, RoundingFollowsTheProcessorTestsAndNotTheTier) {
+  std::mt19937 random(Seed());
+  GuardedBuffer frame(128 * 16);
+  Fill(Content::kRandom, random, 128, frame);
+  const auto image_of = [&frame](ProcessorPretence pretence) {
+    platform::PretendProcessorForTesting(pretence);
+    GuardedBuffer image(3 * 128 * 16);
+    DemosaicTo24From8(frame.Data(), 128, 16, image.Data(), 1, 0);
+    platform::PretendProcessorForTesting(ProcessorPretence::kNone);
+    return image.Contents();
+  };
+  for (const Tier tier : VectorTiers()) {
+    const TierUsed used(tier);
+    EXPECT_NE(image_of(ProcessorPretence::kNoMmx), image_of(ProcessorPretence::kMmxOnly));
+    EXPECT_NE(image_of(ProcessorPretence::kMmxOnly), image_of(ProcessorPretence::kMmxAndExtended));
+  }
+}
 
 }  // namespace
 }  // namespace ormidex::convert

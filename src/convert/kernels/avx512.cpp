@@ -12,6 +12,7 @@
 #include "convert/kernels/cell.inc"
 #include "convert/kernels/planes.inc"
 #include "convert/kernels/variable_gradients.inc"
+#include "convert/kernels/color_correct.inc"
 // clang-format on
 
 namespace ormidex::convert {
@@ -27,6 +28,7 @@ extern const Kernels kAvx512Kernels = {
     .high_bytes = HighBytes,
     .expand_grey8 = ExpandGrey8,
     .expand_grey16 = ExpandGrey16,
+    .color_correct24 = ColorCorrect24,
     .replicate = {ReplicateRow<Lanes8>, ReplicateRow<Lanes16>},
     .mosaic = {MosaicRow<Lanes8>, MosaicRow<Lanes16>},
     .grey_horizontal = {GreyHorizontalRow<Lanes8>, GreyHorizontalRow<Lanes16>},

@@ -47,6 +47,14 @@ struct ColumnSpan {
 
 using RowKernel = ColumnSpan (*)(const RowJob& job);
 
+// The factors of a colour correction in fixed point: what multiplies a channel (in the
+// low half) and what multiplies the sum of all three (in the high half), as three limbs
+// from the highest, which is signed, to the lowest. The lower limbs have 15 bits.
+inline constexpr int kCorrectionHighBits = 8;
+struct CorrectionFactors {
+  std::int32_t limbs[3];
+};
+
 // A kernel for 8-bit and one for 16-bit samples.
 struct RowKernels {
   RowKernel narrow;
@@ -68,6 +76,10 @@ struct Kernels {
   // Each sample, or its high byte, three times.
   void (*expand_grey8)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
   void (*expand_grey16)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+
+  // Corrects the first pixels of an image in place; returns how many.
+  std::size_t (*color_correct24)(std::uint8_t* image, std::size_t pixels,
+                                 const CorrectionFactors& factors);
 
   RowKernels replicate;           // code 0
   RowKernels mosaic;              // code 255

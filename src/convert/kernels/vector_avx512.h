@@ -113,6 +113,15 @@ struct Wide32 {
   static Vector Even(Vector v) { return And(v, _mm512_set1_epi32(0x0000FFFF)); }
   static Vector Add(Vector a, Vector b) { return _mm512_add_epi32(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi32(a, b); }
+  template <int kByte>
+  static Vector Byte(Vector v) {
+    return And(_mm512_srli_epi32(v, 8 * kByte), Set(0xFF));
+  }
+  template <int kCount>
+  static Vector ShiftLeft(Vector v) {
+    return _mm512_slli_epi32(v, kCount);
+  }
+  static Vector ToHigh(Vector v) { return ShiftLeft<16>(v); }
   static Vector Abs(Vector a) { return _mm512_abs_epi32(a); }
   template <int kCount>
   static Vector ShiftRight(Vector v) {
@@ -250,6 +259,34 @@ struct Lanes16 {
                                     grey);
   }
 };
+
+inline Vector MultiplyAdd(Vector a, Vector b) { return _mm512_madd_epi16(a, b); }
+
+// Sixteen pixels of 3 bytes to and from 32-bit lanes.
+struct alignas(64) PixelOrders {
+  std::uint8_t spread[64];
+  std::uint8_t pack[64];
+};
+constexpr PixelOrders MakePixelOrders() {
+  PixelOrders orders{};
+  for (std::size_t i = 0; i < 48; ++i) {
+    orders.spread[i / 3 * 4 + i % 3] = static_cast<std::uint8_t>(i);
+    orders.pack[i] = static_cast<std::uint8_t>(i / 3 * 4 + i % 3);
+  }
+  return orders;
+}
+constexpr PixelOrders kPixelOrders = MakePixelOrders();
+constexpr __mmask64 kThreeOfFour = 0x7777777777777777;
+constexpr __mmask64 kPackedBytes = 0x0000FFFFFFFFFFFF;
+
+inline Vector LoadPixels(const std::uint8_t* p) {
+  const Vector bytes = _mm512_maskz_loadu_epi8(kPackedBytes, p);
+  return _mm512_maskz_permutexvar_epi8(kThreeOfFour, _mm512_load_si512(kPixelOrders.spread), bytes);
+}
+inline void StorePixels(std::uint8_t* p, Vector v) {
+  const Vector packed = _mm512_permutexvar_epi8(_mm512_load_si512(kPixelOrders.pack), v);
+  _mm512_mask_storeu_epi8(p, kPackedBytes, packed);
+}
 
 }  // namespace
 }  // namespace ormidex::convert

@@ -119,6 +119,15 @@ struct Wide32 {
   static Vector Even(Vector v) { return And(v, _mm_set1_epi32(0x0000FFFF)); }
   static Vector Add(Vector a, Vector b) { return _mm_add_epi32(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi32(a, b); }
+  template <int kByte>
+  static Vector Byte(Vector v) {
+    return And(_mm_srli_epi32(v, 8 * kByte), Set(0xFF));
+  }
+  template <int kCount>
+  static Vector ShiftLeft(Vector v) {
+    return _mm_slli_epi32(v, kCount);
+  }
+  static Vector ToHigh(Vector v) { return ShiftLeft<16>(v); }
   static Vector Abs(Vector a) { return _mm_abs_epi32(a); }
   template <int kCount>
   static Vector ShiftRight(Vector v) {
@@ -233,6 +242,21 @@ struct Lanes16 {
         grey, Load(reinterpret_cast<const std::uint8_t*>(kGreyOrder<kLaneBytes, kPart>.index)));
   }
 };
+
+inline Vector MultiplyAdd(Vector a, Vector b) { return _mm_madd_epi16(a, b); }
+
+// Four pixels of 3 bytes to and from 32-bit lanes.
+inline Vector LoadPixels(const std::uint8_t* p) {
+  return _mm_shuffle_epi8(Load(p),
+                          _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1));
+}
+inline void StorePixels(std::uint8_t* p, Vector v) {
+  const Vector packed =
+      _mm_shuffle_epi8(v, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), packed);
+  const int last = _mm_cvtsi128_si32(_mm_srli_si128(packed, 8));
+  __builtin_memcpy(p + 8, &last, sizeof(last));
+}
 
 }  // namespace
 }  // namespace ormidex::convert
