@@ -273,7 +273,7 @@ bool X11Window::Destroy() {
   if (!there_.exchange(false)) return false;
   handler_.OnDestroy();
   xcb_.xcb_destroy_window_(display_.connection(), window_);
-  display_.Flush();
+  display_.Settle();
   return true;
 }
 
@@ -345,7 +345,7 @@ void X11Window::Place(const WindowRect& position) {
   // Once only: to map a minimised window would bring it back.
   if (!mapped_before_) xcb_.xcb_map_window_(display_.connection(), window_);
   mapped_before_ = true;
-  display_.Flush();
+  display_.Settle();
 }
 
 void X11Window::Configure() {
@@ -387,7 +387,7 @@ void X11Window::ShowNormal() {
                        reinterpret_cast<const char*>(&message));
   xcb_.xcb_map_window_(display_.connection(), window_);
   Configure();
-  display_.Flush();
+  display_.Settle();
 }
 
 // ---- Drawing -----------------------------------------------------------------

@@ -90,6 +90,11 @@ std::uint32_t X11Display::ReadProperty(xcb_window_t window, X11Atom property, st
   return read;
 }
 
+void X11Display::Settle() {
+  const auto cookie = xcb_.xcb_get_geometry_(connection_, screen_->root);
+  Own(xcb_.xcb_get_geometry_reply_(connection_, cookie, nullptr));
+}
+
 bool X11Display::IsIconified(xcb_window_t window) const {
   std::uint32_t state = 0;
   return ReadProperty(window, X11Atom::kWmState, &state, 1) == 1 && state == kIconicState;

@@ -61,6 +61,8 @@ class X11Display {
   xcb_atom_t atom(X11Atom atom) const { return atoms_[static_cast<int>(atom)]; }
   bool IsBroken() const { return xcb_.xcb_connection_has_error_(connection_) != 0; }
   void Flush() { xcb_.xcb_flush_(connection_); }
+  // Returns when the display has done what it was asked.
+  void Settle();
 
   bool IsIconified(xcb_window_t window) const;
   bool IsMaximised(xcb_window_t window) const;
