@@ -12,6 +12,12 @@
 SETUP := scripts/setup-debian.sh
 JOBS := $(shell nproc 2>/dev/null || echo 2)
 
+# Where a compiler cache is installed, new build folders use it.
+ifneq ($(shell command -v ccache 2>/dev/null),)
+export CMAKE_C_COMPILER_LAUNCHER ?= ccache
+export CMAKE_CXX_COMPILER_LAUNCHER ?= ccache
+endif
+
 .PHONY: all build demo test bench windows test-windows install format lint clean
 
 all: build
