@@ -95,6 +95,18 @@ STREAM = f"""
     call OrmidexReturnStillFrame $h @0 f10 0 f0 0 f0 f0 = 0
     crc 0 {FRAME_BYTES}
 """
+# Files, and the control loops, which read frames of their own.
+FILES = r"""
+    call OrmidexSaveFrameAsBitmap $h @3 "C:\scratch\a.bmp" = 0
+    call OrmidexSaveFrameAsMono8 $h @0 "C:\scratch\a.bmp" = 0
+    call OrmidexSaveFrameAsTiff $h @0 "C:\scratch\a.tif" 0 0 1 = 0
+    call OrmidexSaveFrameAsJpeg $h @3 "C:\scratch\a.jpg" = 0
+    call OrmidexColorCorrectRgb $h 640 480 @3 30 = 0
+    call OrmidexStartVideoStream $h = 0
+    call OrmidexAutoExposure $h 50 0 0 0 640 480 = 0
+    call OrmidexWhiteBalance $h 0 0 0 640 480 128 128 128
+    call OrmidexStopVideoStream $h = 0
+"""
 SECOND_ONLY = """
     call OrmidexSetLightSource $h 2 = 0
     call OrmidexSetSaturation $h 40
@@ -245,6 +257,7 @@ class DriverTest(unittest.TestCase):
                         self.assertEqual(
                             application.call("OrmidexConvertColor8BppTo24Bpp", "$h", "@0", 640, 480,
                                              "@3", algorithm), 0, f"algorithm {algorithm}")
+                    play(self, application, FILES)
                     self.assertEqual(application.close(), 0)
 
 
