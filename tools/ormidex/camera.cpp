@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "exit_code.h"
 
@@ -16,6 +17,8 @@ std::string Hex(OrmidexUInt32 value) {
   return text;
 }
 
+}  // namespace
+
 void SetEnvironment(const char* name, const std::string& value) {
 #ifdef _WIN32
   _putenv((std::string(name) + "=" + value).c_str());
@@ -23,8 +26,6 @@ void SetEnvironment(const char* name, const std::string& value) {
   setenv(name, value.c_str(), 1);
 #endif
 }
-
-}  // namespace
 
 OrmidexUInt32 CountCameras() {
   OrmidexUInt32 count = 0;
@@ -39,17 +40,25 @@ void UseSimulator(const std::string& description) {
 Camera::Camera(OrmidexUInt32 index) : index_(index) {
   const OrmidexUInt32 count = CountCameras();
   if (count == 0) {
-    throw ToolError(kExitNoCamera,
-                    "no camera is connected; plug one in, or try --simulate for a simulated one");
+    FailNoCamera();
   }
   if (index >= count) {
     throw ToolError(kExitNoCamera, "there is no camera " + std::to_string(index) +
                                        "; cameras are numbered from 0, and there " +
                                        (count == 1 ? "is 1" : "are " + std::to_string(count)));
   }
-  Check(OrmidexInitialize(kDeviceTypeName, index, &handle_),
-        "opening camera " + std::to_string(index));
+  const OrmidexStatus status = OrmidexInitialize(kDeviceTypeName, index, &handle_);
+  // The camera was counted, so it is there: someone else holds it.
+  if (status == ORMIDEX_NO_CAMERA) {
+    throw ToolError(kExitBusy, "camera " + std::to_string(index) +
+                                   " cannot be opened; another program may hold it, or you may "
+                                   "lack the permission to use it");
+  }
+  Check(status, "opening camera " + std::to_string(index));
 }
+
+Camera::Camera(Camera&& other) noexcept
+    : handle_(std::exchange(other.handle_, nullptr)), index_(other.index_) {}
 
 Camera::~Camera() {
   if (handle_ != nullptr) OrmidexUninitialize(&handle_);
@@ -103,15 +112,31 @@ double Camera::FrameRateAsked() const {
   return 1000.0 / static_cast<double>(std::max(exposure_ms, frame_ms));
 }
 
+OrmidexUInt32 Camera::ImagerGeneration() const {
+  OrmidexHardwareVersion version = {};
+  Check(OrmidexGetHardwareVersion(handle_, &version), "reading the hardware version");
+  return version.imagerGeneration;
+}
+
 void Camera::StartStream() { Check(OrmidexStartVideoStream(handle_), "starting the stream"); }
+
+// A camera that still answers has only not delivered in time.
+void Camera::FailFrame() const {
+  OrmidexUInt8 counter = 0;
+  OrmidexUInt32 counters[2] = {};
+  if (OrmidexGetFrameNumber(handle_, &counter, counters) == ORMIDEX_REQUEST_FAILED) {
+    throw ToolError(kExitCameraLost,
+                    "the camera delivers no more frames; check that it is still plugged in");
+  }
+  throw ToolError(kExitTimeout,
+                  "no frame came in time; a longer time-out (--set timeout=...) or a shorter "
+                  "exposure may help");
+}
 
 void Camera::ReadFrame(std::vector<unsigned char>& frame) {
   const OrmidexStatus status =
       OrmidexReturnVideoData(handle_, static_cast<OrmidexUInt32>(frame.size()), frame.data());
-  if (status == ORMIDEX_REQUEST_FAILED) {
-    throw ToolError(kExitCameraLost,
-                    "the camera delivers no more frames; check that it is still plugged in");
-  }
+  if (status == ORMIDEX_REQUEST_FAILED) FailFrame();
   Check(status, "reading a frame");
 }
 

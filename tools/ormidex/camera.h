@@ -14,6 +14,8 @@ inline constexpr char kDeviceTypeName[] = "Torvenal(tm) 1394 Camera";
 
 OrmidexUInt32 CountCameras();
 
+void SetEnvironment(const char* name, const std::string& value);
+
 // Asks for simulated cameras, before the library is first used. An empty
 // description means one default camera.
 void UseSimulator(const std::string& description);
@@ -34,6 +36,7 @@ class Camera {
   // Opens camera `index`; throws a ToolError when that fails.
   explicit Camera(OrmidexUInt32 index);
   ~Camera();
+  Camera(Camera&& other) noexcept;
   Camera(const Camera&) = delete;
   Camera& operator=(const Camera&) = delete;
 
@@ -48,6 +51,8 @@ class Camera {
   // Frames a second that clock, geometry and exposure ask of the imager.
   double FrameRateAsked() const;
 
+  OrmidexUInt32 ImagerGeneration() const;
+
   void StartStream();
   // Reads one frame; a camera that delivers none throws.
   void ReadFrame(std::vector<unsigned char>& frame);
@@ -56,6 +61,8 @@ class Camera {
                OrmidexUInt32 algorithm, std::vector<unsigned char>& image) const;
 
  private:
+  [[noreturn]] void FailFrame() const;
+
   OrmidexHandle handle_ = nullptr;
   OrmidexUInt32 index_ = 0;
 };

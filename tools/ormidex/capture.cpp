@@ -5,6 +5,8 @@
 #include "camera.h"
 #include "commands.h"
 #include "exit_code.h"
+#include "frame_statistics.h"
+#include "output.h"
 
 namespace ormidex_tool {
 
@@ -13,34 +15,32 @@ namespace {
 struct CaptureOptions {
   CameraOptions camera;
   std::string output;
-  OrmidexUInt32 algorithm = 1;
+  OrmidexUInt32 algorithm = ORMIDEX_BILINEAR;
   OrmidexUInt32 frames = 1;
-  float exposure_ms = -1.0f;
-  std::string size;
+  bool still = false;
+  float exposure_ms = 25.0f;
+  bool statistics = false;
+  bool json = false;
+  bool force = false;
   bool no_header = false;
 };
 
 // A setting reaches the frames two exposures later at the most.
 constexpr int kSettlingFrames = 2;
 
-void ApplySize(const Camera& camera, const std::string& size) {
-  unsigned width = 0;
-  unsigned height = 0;
-  char rest = '\0';
-  if (std::sscanf(size.c_str(), "%ux%u%c", &width, &height, &rest) != 2) {
-    throw ToolError(kExitUsage, "'" + size + "' is no size: give WIDTHxHEIGHT, as 1280x1024");
-  }
-  Check(OrmidexSetSubWindow(camera.handle(), 1, 0, 0, width, height),
-        "setting the size to " + size);
+// Reads the frames of a running stream; returns the rate at which they came.
+double ReadStream(Camera& camera, OrmidexUInt32 frames, std::vector<unsigned char>& frame) {
+  camera.StartStream();
+  for (int i = 0; i < kSettlingFrames; ++i) camera.ReadFrame(frame);
+  const auto start = std::chrono::steady_clock::now();
+  for (OrmidexUInt32 i = 0; i < frames; ++i) camera.ReadFrame(frame);
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+  return elapsed.count() > 0.0 ? frames / elapsed.count() : 0.0;
 }
 
-void CheckEnding(const std::string& path) {
-  const std::size_t dot = path.rfind('.');
-  std::string ending = dot == std::string::npos ? "" : path.substr(dot);
-  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (ending != ".bmp") {
-    throw ToolError(kExitUsage, "'" + path + "': only bitmap files are written, name it *.bmp");
-  }
+void ReadStill(Camera& camera, float exposure_ms, std::vector<unsigned char>& frame) {
+  Check(OrmidexReturnStillFrame(camera.handle(), frame.data(), exposure_ms, 0, 0.0f, 0, 0.0f, 0.0f),
+        "taking the still frame");
 }
 
 void PrintRow(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
@@ -54,48 +54,93 @@ void PrintRow(const Camera& camera, const Geometry& geometry, const CaptureOptio
               size.c_str(), camera.FrameRateAsked(), reached, options.output.c_str());
 }
 
-void RunCapture(const CaptureOptions& options) {
-  CheckEnding(options.output);
-  Camera camera(FindCamera(options.camera.camera));
-  if (!options.size.empty()) ApplySize(camera, options.size);
-  if (options.exposure_ms >= 0.0f) {
-    Check(OrmidexSetExposureTime(camera.handle(), options.exposure_ms, 1),
-          "setting the exposure time");
+void PrintStatistics(const FrameStatistics& statistics) {
+  std::printf("mean %.2f, lowest %u, highest %u, black %llu, clipped %llu, focus %.1f\n",
+              statistics.mean, statistics.lowest, statistics.highest,
+              static_cast<unsigned long long>(statistics.black),
+              static_cast<unsigned long long>(statistics.clipped), statistics.focus);
+  std::uint64_t most = 1;
+  for (const std::uint64_t count : statistics.histogram) most = std::max(most, count);
+  for (std::size_t i = 0; i < statistics.histogram.size(); ++i) {
+    const auto bar = static_cast<int>(statistics.histogram[i] * 50 / most);
+    std::printf("%3zu-%-3zu %9llu %.*s\n", i * 16, i * 16 + 15,
+                static_cast<unsigned long long>(statistics.histogram[i]), bar,
+                "##################################################");
   }
+}
+
+void PrintJson(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
+               double reached, const FrameStatistics& statistics) {
+  nlohmann::ordered_json document = {{"schema", "ormidex-capture"},
+                                     {"version", 1},
+                                     {"camera", camera.index()},
+                                     {"imager", camera.TypeText()},
+                                     {"width", geometry.width},
+                                     {"height", geometry.height},
+                                     {"asked", camera.FrameRateAsked()},
+                                     {"reached", reached},
+                                     {"file", options.output}};
+  if (options.statistics) document["statistics"] = ToJson(statistics);
+  std::printf("%s\n", document.dump(2).c_str());
+}
+
+// What is printed would mix with a picture on standard output.
+void Report(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
+            double reached, const std::vector<unsigned char>& frame) {
+  if (options.output == "-" || IsQuiet()) return;
+  FrameStatistics statistics;
+  if (options.statistics) statistics = Measure(frame, geometry);
+  if (options.json) {
+    PrintJson(camera, geometry, options, reached, statistics);
+    return;
+  }
+  PrintRow(camera, geometry, options, reached);
+  if (options.statistics) PrintStatistics(statistics);
+}
+
+void RunCapture(const CaptureOptions& options) {
+  const Format format = FormatOf(options.output);
+  RefuseOverwriting(options.output, options.force);
+  Camera camera = options.camera.Open();
   const Geometry geometry = camera.ReadGeometry();
   std::vector<unsigned char> frame(geometry.FrameBytes());
-  std::vector<unsigned char> image(geometry.ImageBytes());
-  camera.StartStream();
-  for (int i = 0; i < kSettlingFrames; ++i) camera.ReadFrame(frame);
-  const auto start = std::chrono::steady_clock::now();
-  for (OrmidexUInt32 i = 0; i < options.frames; ++i) camera.ReadFrame(frame);
-  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-  camera.Convert(frame, geometry, options.algorithm, image);
-  Check(OrmidexSaveFrameAsBitmap(camera.handle(), image.data(), options.output.c_str()),
-        "writing '" + options.output + "'");
-  PrintRow(camera, geometry, options, options.frames / elapsed.count());
+  double reached = 0.0;
+  if (options.still) {
+    ReadStill(camera, options.exposure_ms, frame);
+  } else {
+    reached = ReadStream(camera, options.frames, frame);
+  }
+  FrameWriter writer(camera, geometry, {format, options.algorithm});
+  writer.Write(frame, options.output);
+  Report(camera, geometry, options, reached, frame);
 }
 
 }  // namespace
 
 void AddCapture(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("capture", "Take a picture from the live stream");
+  CLI::App* command = app.add_subcommand("capture", "Take one picture");
   auto options = std::make_shared<CaptureOptions>();
   options->camera.AddTo(*command);
-  command->add_option("-o,--output", options->output, "File to write, *.bmp")->required();
+  command
+      ->add_option("-o,--output", options->output,
+                   "File to write: *.bmp, *.tif, *.jpg, *.ppm, *.raw, or - for a raw frame on "
+                   "standard output")
+      ->required();
   command->add_option("--algorithm", options->algorithm, "Demosaic algorithm code")
       ->capture_default_str();
-  command->add_option("--frames", options->frames, "Frames to read; the last one is written")
+  command->add_option("--frames", options->frames, "Frames to stream; the last one is written")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
-  command->add_option("--exposure", options->exposure_ms, "Exposure time in ms")
-      ->check(CLI::NonNegativeNumber);
-  command->add_option("--size", options->size, "Sub-window size, WIDTHxHEIGHT");
+  command->add_flag("--still", options->still, "A still frame instead of one of the stream");
+  command->add_option("--still-exposure", options->exposure_ms, "Exposure of the still, in ms")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  command->add_flag("--statistics", options->statistics,
+                    "Print levels, histogram, clipped samples and a focus figure");
+  command->add_flag("--json", options->json, "Print JSON");
+  command->add_flag("--force", options->force, "Replace a file that exists");
   command->add_flag("--no-header", options->no_header, "Print the table's row only");
-  command->callback([options] {
-    options->camera.Apply();
-    RunCapture(*options);
-  });
+  command->callback([options] { RunCapture(*options); });
 }
 
 }  // namespace ormidex_tool

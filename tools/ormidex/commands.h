@@ -5,6 +5,9 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
+
+#include "camera.h"
 
 namespace ormidex_tool {
 
@@ -12,16 +15,41 @@ namespace ormidex_tool {
 struct CameraOptions {
   std::string camera = "0";
   std::string simulate;
+  std::string trace;
+  std::vector<std::string> settings;  // each "key=value,..."
+  std::string load;
   CLI::Option* simulate_option = nullptr;
 
-  void AddTo(CLI::App& command, bool with_camera = true);
-  // Puts the simulator in place if asked for; call before anything else.
+  void AddTo(CLI::App& command);
+  // For a subcommand that looks at all cameras.
+  void AddSimulateTo(CLI::App& command);
+  // Puts simulator and trace in place if asked for; call before anything else.
   void Apply() const;
+  // Applies, opens the camera and makes the settings.
+  Camera Open() const;
 };
+
+// Said unless --quiet; details only with --verbose. Both on standard error.
+void Say(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void SayDetail(const char* format, ...) __attribute__((format(printf, 1, 2)));
+bool IsQuiet();
 
 void AddList(CLI::App& app);
 void AddInfo(CLI::App& app);
+void AddGet(CLI::App& app);
+void AddSet(CLI::App& app);
 void AddCapture(CLI::App& app);
+void AddRecord(CLI::App& app);
+void AddPreview(CLI::App& app);
+void AddConvert(CLI::App& app);
+void AddTrigger(CLI::App& app);
+void AddAuto(CLI::App& app);
+void AddRegister(CLI::App& app);
+void AddTrace(CLI::App& app);
+void AddSimulate(CLI::App& app);
+void AddBench(CLI::App& app);
+void AddSelftest(CLI::App& app);
+void AddReport(CLI::App& app);
 
 }  // namespace ormidex_tool
 

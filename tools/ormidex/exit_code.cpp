@@ -72,4 +72,11 @@ void Check(OrmidexStatus status, const std::string& doing) {
   throw ToolError(ExitFor(status), message + " (status " + std::to_string(status) + ")");
 }
 
+void FailUsage(const std::string& message) { throw ToolError(kExitUsage, message); }
+
+void FailNoCamera() {
+  throw ToolError(kExitNoCamera,
+                  "no camera is connected; plug one in, or try --simulate for a simulated one");
+}
+
 }  // namespace ormidex_tool

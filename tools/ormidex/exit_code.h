@@ -14,10 +14,10 @@ enum ExitCode {
   kExitFailure = 1,
   kExitUsage = 2,
   kExitNoCamera = 3,
-  kExitBusy = 4,
+  kExitBusy = 4,  // the camera is in use, or there is no permission to open it
   kExitTimeout = 5,
   kExitCameraLost = 6,
-  kExitIncomplete = 7,
+  kExitIncomplete = 7,  // some of what was asked for is done, some is not
 };
 
 // Ends the command: the message goes to standard error, the code to the shell.
@@ -41,6 +41,10 @@ const StatusText& DescribeStatus(OrmidexStatus status);
 // Throws a ToolError for any status but success: what the tool was doing, what the
 // status means and what to try.
 void Check(OrmidexStatus status, const std::string& doing);
+
+// Ways of ending that several commands share.
+[[noreturn]] void FailUsage(const std::string& message);
+[[noreturn]] void FailNoCamera();
 
 }  // namespace ormidex_tool
 

@@ -4,59 +4,41 @@
 #include "camera.h"
 #include "commands.h"
 #include "exit_code.h"
+#include "settings.h"
 
 namespace ormidex_tool {
 
 namespace {
 
-void Row(const char* name, const std::string& value) {
-  std::printf("%-18s %s\n", name, value.c_str());
-}
+using Json = nlohmann::ordered_json;
 
-std::string ExposureText(const Camera& camera) {
-  float milliseconds = 0.0f;
-  Check(OrmidexGetExposureTime(camera.handle(), &milliseconds), "reading the exposure time");
-  char text[32];
-  std::snprintf(text, sizeof(text), "%.3f ms", static_cast<double>(milliseconds));
-  return text;
-}
-
-std::string GainText(const Camera& camera) {
-  OrmidexUInt32 red = 0;
-  OrmidexUInt32 green = 0;
-  OrmidexUInt32 blue = 0;
-  if (!camera.IsColour()) {
-    Check(OrmidexGetMonoGain(camera.handle(), &red), "reading the gain");
-    return std::to_string(red);
-  }
-  Check(OrmidexGetRedGain(camera.handle(), &red), "reading the red gain");
-  Check(OrmidexGetGreenGain(camera.handle(), &green), "reading the green gain");
-  Check(OrmidexGetBlueGain(camera.handle(), &blue), "reading the blue gain");
-  return "red " + std::to_string(red) + ", green " + std::to_string(green) + ", blue " +
-         std::to_string(blue);
-}
-
-void RunInfo(OrmidexUInt32 index) {
-  const Camera camera(index);
+Json Identity(const Camera& camera) {
   OrmidexHardwareVersion version = {};
   Check(OrmidexGetHardwareVersion(camera.handle(), &version), "reading the hardware version");
-  char name[81] = {};
-  Check(OrmidexGetImagerName(camera.handle(), name), "reading the imager name");
-  const Geometry geometry = camera.ReadGeometry();
+  return {{"camera", camera.index()},
+          {"description", version.description},
+          {"serial", camera.SerialText()},
+          {"firmware", camera.FirmwareText()},
+          {"firmware-version", version.firmwareVersion},
+          {"hardware-revision", version.hardwareRevision},
+          {"imager", camera.TypeText()},
+          {"generation", version.imagerGeneration}};
+}
 
-  Row("camera", std::to_string(index));
-  Row("description", version.description);
-  Row("name", name);
-  Row("serial number", camera.SerialText());
-  Row("firmware", camera.FirmwareText());
-  Row("imager", camera.TypeText() + ", generation " + std::to_string(version.imagerGeneration));
-  Row("frame", std::to_string(geometry.width) + " x " + std::to_string(geometry.height) + ", " +
-                   std::to_string(geometry.bytes_per_pixel * 8) + " bits");
-  Row("sub-window", "column " + std::to_string(geometry.column) + ", row " +
-                        std::to_string(geometry.row) + ", sub-sampling " +
-                        std::to_string(geometry.factor));
-  Row("exposure", ExposureText(camera));
-  Row("gain", GainText(camera));
+Json FrameFacts(const Camera& camera) {
+  const Geometry geometry = camera.ReadGeometry();
+  return {{"width", geometry.width},
+          {"height", geometry.height},
+          {"bits", geometry.bytes_per_pixel * 8},
+          {"bytes", geometry.FrameBytes()},
+          {"frames-a-second", camera.FrameRateAsked()}};
+}
+
+void PrintSection(const Json& section) {
+  for (const auto& [name, value] : section.items()) {
+    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    std::printf("%-18s %s\n", name.c_str(), text.c_str());
+  }
 }
 
 }  // namespace
@@ -64,10 +46,22 @@ void RunInfo(OrmidexUInt32 index) {
 void AddInfo(CLI::App& app) {
   CLI::App* command = app.add_subcommand("info", "Show what a camera is and how it is set");
   auto options = std::make_shared<CameraOptions>();
+  auto json = std::make_shared<bool>(false);
   options->AddTo(*command);
-  command->callback([options] {
-    options->Apply();
-    RunInfo(FindCamera(options->camera));
+  command->add_flag("--json", *json, "Print JSON");
+  command->callback([options, json] {
+    const Camera camera = options->Open();
+    Json document = {{"schema", "ormidex-info"}, {"version", 1}};
+    document["identity"] = Identity(camera);
+    document["frame"] = FrameFacts(camera);
+    document["settings"] = ReadAll(camera);
+    if (*json) {
+      std::printf("%s\n", document.dump(2).c_str());
+      return;
+    }
+    PrintSection(document["identity"]);
+    PrintSection(document["frame"]);
+    PrintSection(document["settings"]);
   });
 }
 

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "camera.h"
 #include "commands.h"
@@ -9,18 +10,26 @@ namespace ormidex_tool {
 
 namespace {
 
-void RunList() {
-  const OrmidexUInt32 count = CountCameras();
-  if (count == 0) {
-    throw ToolError(kExitNoCamera,
-                    "no camera is connected; plug one in, or try --simulate for a simulated one");
-  }
-  std::printf("%-7s %-11s %-11s %-11s\n", "camera", "serial", "firmware", "imager");
+void PrintTable(OrmidexUInt32 count) {
+  std::printf("%-7s %-11s %-11s %s\n", "camera", "serial", "firmware", "imager");
   for (OrmidexUInt32 index = 0; index < count; ++index) {
     const Camera camera(index);
-    std::printf("%-7u %-11s %-11s %-11s\n", index, camera.SerialText().c_str(),
+    std::printf("%-7u %-11s %-11s %s\n", index, camera.SerialText().c_str(),
                 camera.FirmwareText().c_str(), camera.TypeText().c_str());
   }
+}
+
+void PrintJson(OrmidexUInt32 count) {
+  nlohmann::ordered_json document = {{"schema", "ormidex-list"}, {"version", 1}};
+  document["cameras"] = nlohmann::ordered_json::array();
+  for (OrmidexUInt32 index = 0; index < count; ++index) {
+    const Camera camera(index);
+    document["cameras"].push_back({{"camera", index},
+                                   {"serial", camera.SerialText()},
+                                   {"firmware", camera.FirmwareText()},
+                                   {"imager", camera.TypeText()}});
+  }
+  std::printf("%s\n", document.dump(2).c_str());
 }
 
 }  // namespace
@@ -28,10 +37,18 @@ void RunList() {
 void AddList(CLI::App& app) {
   CLI::App* command = app.add_subcommand("list", "List the cameras");
   auto options = std::make_shared<CameraOptions>();
-  options->AddTo(*command, false);
-  command->callback([options] {
+  auto json = std::make_shared<bool>(false);
+  options->AddSimulateTo(*command);
+  command->add_flag("--json", *json, "Print JSON");
+  command->callback([options, json] {
     options->Apply();
-    RunList();
+    const OrmidexUInt32 count = CountCameras();
+    if (*json) {
+      PrintJson(count);
+    } else if (count != 0) {
+      PrintTable(count);
+    }
+    if (count == 0) FailNoCamera();
   });
 }
 
