@@ -69,7 +69,8 @@ void RunAuto(const AutoOptions& options, void (*control)(const Camera&, const Au
   camera.StartStream();
   control(camera, options);
   for (int i = 0; i < 3; ++i) camera.ReadFrame(frame);
-  for (const auto& [name, value] : ReadAll(camera).items()) {
+  const nlohmann::ordered_json settings = ReadAll(camera);
+  for (const auto& [name, value] : settings.items()) {
     if (name.rfind("exposure", 0) == 0 || name.rfind("gain", 0) == 0) {
       std::printf("%s=%s\n", name.c_str(), value.get<std::string>().c_str());
     }
