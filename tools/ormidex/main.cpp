@@ -1,4 +1,5 @@
 // ormidex: the cameras from the command line.
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <exception>
@@ -52,11 +53,11 @@ void CameraOptions::AddTo(CLI::App& command) {
 void CameraOptions::AddSimulateTo(CLI::App& command) {
   simulate_option =
       command.add_option("--simulate", simulate, "Use simulated cameras, as described")
-          ->expected(0, 1);
+          ->type_name("[DESCRIPTION]");
 }
 
 void CameraOptions::Apply() const {
-  if (simulate_option->count() != 0) UseSimulator(simulate == "{}" ? "" : simulate);
+  if (simulate_option->count() != 0) UseSimulator(simulate);
   if (!trace.empty()) SetEnvironment("ORMIDEX_TRACE", trace);
 }
 
@@ -98,17 +99,56 @@ void AddCommands(CLI::App& app) {
   AddReport(app);
 }
 
+// Whether all of "key[=value],..." are settings of a camera.
+bool NamesSettings(const std::string& text) {
+  std::size_t start = 0;
+  while (start <= text.size()) {
+    const std::size_t end = std::min(text.find(',', start), text.size());
+    const std::string item = text.substr(start, end - start);
+    bool known = false;
+    for (const Setting& setting : Settings()) {
+      known = known || item.substr(0, item.find('=')) == setting.name;
+    }
+    if (!known) return false;
+    start = end + 1;
+  }
+  return true;
+}
+
+// The word behind --simulate is a description when it is a number or has key=value,
+// unless its keys are settings: 'set --simulate exposure=10' sets the exposure.
+bool IsDescription(const std::string& word) {
+  const bool number = !word.empty() && word.find_first_not_of("0123456789;") == std::string::npos;
+  return number || (word.find('=') != std::string::npos && word[0] != '-' && !NamesSettings(word));
+}
+
+// Ties each --simulate to its description, or to the default one, so that it never
+// takes an argument of the command for its own.
+std::vector<std::string> TieDescriptions(int argc, char** argv) {
+  std::vector<std::string> words(argv + 1, argv + argc);
+  for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    if (words[i] != "--simulate") continue;
+    const bool described = i + 1 < words.size() && IsDescription(words[i + 1]);
+    words[i] += "=" + (described ? words[i + 1] : std::string("1"));
+    if (described) words.erase(words.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+  }
+  return words;
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"Control cameras on an IEEE 1394 bus"};
   app.name("ormidex");
   app.footer(kFooter);
   app.require_subcommand(1);
+  app.fallthrough();
   app.set_version_flag("--version", "ormidex " ORMIDEX_TOOL_VERSION);
   app.add_flag("-q,--quiet", quiet, "Say nothing but errors");
   app.add_flag("-v,--verbose", verbose, "Say more of what is done");
   AddCommands(app);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = TieDescriptions(argc, argv);
+    std::reverse(words.begin(), words.end());  // the parser takes them from the back
+    app.parse(words);
   } catch (const CLI::ParseError& error) {
     const int code = app.exit(error);
     return code == 0 ? kExitOk : kExitUsage;

@@ -77,14 +77,16 @@ const std::map<unsigned, const char*> kSecondGeneration = {{0, "green 1 gain"},
 std::string RegisterName(unsigned bus_address, unsigned address) {
   const auto& names = bus_address == 0x66 ? kSecondGeneration : kFirstGeneration;
   const auto name = names.find(address);
-  return std::to_string(address) +
-         (name != names.end() ? std::string(" (") + name->second + ")" : "");
+  std::string text = std::to_string(address);
+  if (name != names.end()) text.append(" (").append(name->second).append(")");
+  return text;
 }
 
 std::string Values(const Bytes& bytes, std::size_t from, std::size_t count) {
   std::string text;
   for (std::size_t i = from; i < from + count && i < bytes.size(); ++i) {
-    text += (text.empty() ? "" : " ") + Hex(bytes[i]);
+    if (!text.empty()) text += ' ';
+    text += Hex(bytes[i]);
   }
   return text;
 }
