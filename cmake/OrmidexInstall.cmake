@@ -31,3 +31,16 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ormidex.pc
 set(ORMIDEX_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Folder of the Python module")
 install(DIRECTORY python/ormidex DESTINATION ${ORMIDEX_PYTHON_DIR} COMPONENT tools
   FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed")
+
+# Manual pages: the tool's is written by hand, the functions' come from the header.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+add_custom_command(OUTPUT man3/ormidex.3
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/scripts/make_man.py
+          ${PROJECT_SOURCE_DIR}/include/ormidex.h ${CMAKE_CURRENT_BINARY_DIR}/man3
+  DEPENDS include/ormidex.h scripts/make_man.py)
+add_custom_target(ormidex_man ALL DEPENDS man3/ormidex.3)
+install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/man3 DESTINATION ${CMAKE_INSTALL_MANDIR}
+  COMPONENT development FILES_MATCHING PATTERN "*.3")
+install(FILES docs/man/ormidex.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+install(FILES completions/ormidex.bash RENAME ormidex
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)

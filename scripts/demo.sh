@@ -19,9 +19,9 @@ export ORMIDEX_SIMULATOR='generation=2;generation=1;imager=mono'
 echo
 "$tool" info
 echo
-"$tool" capture --frames 40 -o "$pictures/colour.bmp"
-"$tool" capture --frames 20 --camera 1 --no-header -o "$pictures/first-generation.bmp"
-"$tool" capture --frames 40 --camera 2 --no-header -o "$pictures/monochrome.bmp"
-"$tool" capture --frames 10 --size 1280x1024 --no-header -o "$pictures/full-frame.bmp"
+"$tool" capture --force --frames 40 -o "$pictures/colour.bmp"
+"$tool" capture --force --frames 20 --camera 1 --no-header -o "$pictures/first-generation.bmp"
+"$tool" capture --force --frames 40 --camera 2 --no-header -o "$pictures/monochrome.bmp"
+"$tool" capture --force --frames 10 --size 1280x1024 --no-header -o "$pictures/full-frame.bmp"
 echo
 echo "The pictures are in $pictures"

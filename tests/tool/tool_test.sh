@@ -6,7 +6,8 @@ set -u
 tool=$1
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-unset ORMIDEX_SIMULATOR ORMIDEX_TRACE
+ln -s /dev/full "$folder/full.bmp"
+unset ORMIDEX_SIMULATOR ORMIDEX_TRACE DISPLAY
 passed=0
 failed=0
 
@@ -57,11 +58,54 @@ expect "its width" "$(word "$folder/a.bmp" 18)" 640
 expect "its height" "$(word "$folder/a.bmp" 22)" 480
 expect "its length" "$(stat -c %s "$folder/a.bmp")" $((54 + 640 * 480 * 3))
 check "capture of another size" 0 "320x240" \
-  capture --simulate pace=fast --size 320x240 -o "$folder/b.bmp"
+  capture --simulate pace=fast --set window=320x240 -o "$folder/b.bmp"
 expect "its length" "$(stat -c %s "$folder/b.bmp")" $((54 + 320 * 240 * 3))
-check "a size beyond the imager" 2 "out of range" \
-  capture --simulate --size 4000x3000 -o "$folder/c.bmp"
-check "a size that is none" 2 "is no size" capture --simulate --size big -o "$folder/c.bmp"
+check "a size beyond the imager" 2 "not possible for 'window'" \
+  capture --simulate --set window=4000x3000 -o "$folder/c.bmp"
+check "a file is not replaced unasked" 2 "give --force" capture --simulate -o "$folder/a.bmp"
+check "a file is replaced if wanted" 0 "640x480" capture --simulate --force -o "$folder/a.bmp"
+check "a setting that does not exist" 2 "there is no setting 'bogus'" set bogus=1
+check "a value out of range says the range" 2 "0 to 63" set gain-red=64 --simulate
+check "a setting that the camera lacks" 2 "has no setting" \
+  set gain-red=5 --simulate imager=mono
+check "settings are saved" 0 "exposure=" \
+  set --simulate exposure=10,window=320x240 --save "$folder/s.json"
+check "settings are loaded" 0 "window=320x240" get --simulate --load "$folder/s.json"
+check "a settings file that is none" 2 "is not a settings file" \
+  get --simulate --load "$folder/a.bmp"
+check "settings are explained" 0 "analogue gain" get --explain
+check "info as JSON has a schema" 0 '"schema": "ormidex-info"' info --json --simulate
+check "statistics" 0 "focus" capture --simulate --statistics -o "$folder/e.bmp"
+check "a TIFF file" 0 "640x480" capture --simulate -o "$folder/e.tif"
+check "a JPEG file" 0 "640x480" capture --simulate -o "$folder/e.jpg"
+check "a still frame" 0 "640x480" capture --simulate --still -o "$folder/still.bmp"
+check "a full disk is noticed" 7 "disk may be full" \
+  capture --simulate --force -o "$folder/full.bmp"
+check "a sequence" 0 "" record --simulate -n 3 -o "$folder/r-####.raw"
+expect "its metadata have a line a frame" "$(wc -l < "$folder/r.jsonl")" 3
+expect "frames are numbered" "$(stat -c %s "$folder/r-0002.raw")" 307200
+check "a sequence without a number" 2 "no place for the frame number" \
+  record --simulate -n 3 -o "$folder/r.raw"
+check "a recording cut short" 6 "frames were recorded" \
+  record -q --simulate "fault=unplug:400" -n 2000 -o "$folder/cut-####.raw"
+check "a raw frame is converted without a camera" 0 "" \
+  convert "$folder/r-0001.raw" --size 640x480 -o "$folder/r.ppm"
+expect "the pixmap has its size" "$(stat -c %s "$folder/r.ppm")" $((15 + 921600))
+check "a raw frame of another size" 2 "does not hold one frame" \
+  convert "$folder/r-0001.raw" --size 640x470 -o "$folder/r2.ppm"
+check "triggered frames" 0 "" \
+  trigger -q --simulate trigger=software:50 -n 2 -o "$folder/t-##.bmp"
+check "a trigger that never comes" 5 "check the trigger line" \
+  trigger --simulate trigger=software --timeout 0.3 -o "$folder/never.bmp"
+check "auto exposure" 0 "exposure=" auto exposure --simulate light=0.3,pace=fast
+check "white balance" 0 "gain-blue=" auto white-balance --simulate tint=tungsten,pace=fast
+check "a register" 0 "0x50" register read 0x0F --simulate
+check "a trace in words" 0 "START_STREAM 640 x 480" trace --simulate
+check "a description that gives cameras" 0 "gives 3 cameras" simulate "generation=1;2"
+check "the self-test of each kind" 0 "10 passed, 0 failed" selftest --simulate
+check "the self-test of a first generation" 0 "10 passed, 0 failed" \
+  selftest --simulate generation=1,imager=mono
+check "no display is said" 2 "preview" preview --simulate --seconds 1
 check "a folder that does not exist" 1 "could not be created" \
   capture --simulate -o "$folder/none/c.bmp"
 check "a file ending of another kind" 2 "name it" capture --simulate -o "$folder/c.gif"
