@@ -83,9 +83,13 @@ class LiveView {
  public:
   LiveView(Camera& camera, const PreviewOptions& options) : camera_(camera), options_(options) {
     if (camera_.IsColour()) SetAlgorithm(options.algorithm);
-    Check(OrmidexStartPreview(camera.handle(), "Ormidex preview", kVisibleWindow, 40, 40,
-                              ORMIDEX_FRAME_SIZE, ORMIDEX_FRAME_SIZE, nullptr, 0, 0, 0),
-          "opening the preview window; a display is needed");
+    const OrmidexStatus status =
+        OrmidexStartPreview(camera.handle(), "Ormidex preview", kVisibleWindow, 40, 40,
+                            ORMIDEX_FRAME_SIZE, ORMIDEX_FRAME_SIZE, nullptr, 0, 0, 0);
+    if (status == ORMIDEX_OUT_OF_RANGE) {
+      throw ToolError(kExitFailure, "the preview window could not be opened; is there a display?");
+    }
+    Check(status, "starting the preview");
   }
   ~LiveView() { OrmidexStopPreview(camera_.handle()); }
   LiveView(const LiveView&) = delete;
