@@ -208,7 +208,7 @@ bool Controller::ContinuousExposure(const std::uint8_t* record, std::uint32_t by
 
 bool Controller::Version(std::uint8_t* record, std::uint32_t bytes) const {
   if (bytes < sizeof(device::HardwareVersionRecord) || SmallVariant()) return false;
-  PutBigWord(record + 8, description_.colour ? 1 : 0);
+  PutBigWord(record + 8, description_.colour ? 0 : 1);  // bit 0: monochrome
   PutBigWord(record + 12, description_.serial);
   PutBigWord(record + 16, 0x30333641);  // "036A"
   PutBigWord(record + 20, firmware_);
