@@ -14,7 +14,7 @@ readonly build_needs="
   libjpeg62-turbo-dev=/usr/include/jpeglib.h
   libjpeg-turbo-progs=djpeg libtiff-tools=tiffinfo imagemagick=convert
   libstb-dev=/usr/include/stb/stb_image.h
-  libcli11-dev=/usr/include/CLI/CLI.hpp
+  libcli11-dev=/usr/include/CLI/CLI.hpp nlohmann-json3-dev=/usr/include/nlohmann/json.hpp
   libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb"
 readonly bench_needs="$build_needs libopencv-dev=/usr/include/opencv4/opencv2/core.hpp"
 readonly format_needs="clang-format=clang-format clang-tidy=clang-tidy $build_needs"

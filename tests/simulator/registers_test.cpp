@@ -174,8 +174,8 @@ TEST(SimulatorCommands, TheVersionBlockHoldsFiveBigEndianWords) {
   Bytes record = CommandBytes(7, {0, 0, 0, 0, 0, 0});
   ASSERT_TRUE(Command(client, &record));
   EXPECT_EQ(client.Returned(), 32u);
-  // monochrome is 0; serial; "036A"; firmware; model: monochrome without IFE.
-  const Bytes expected = {0,   0,   0, 0, 0, 0xAB, 0xCD, 0xEF, '0', '3',
+  // bit 0: monochrome; serial; "036A"; firmware; model: monochrome without IFE.
+  const Bytes expected = {0,   0,   0, 1, 0, 0xAB, 0xCD, 0xEF, '0', '3',
                           '6', 'A', 3, 1, 2, 3,    0,    0,    0,   5};
   EXPECT_EQ(Bytes(record.begin() + 8, record.begin() + 28), expected);
 }

@@ -43,15 +43,18 @@ void ReadStill(Camera& camera, float exposure_ms, std::vector<unsigned char>& fr
         "taking the still frame");
 }
 
+// A still has no rate.
 void PrintRow(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
               double reached) {
   const std::string size = std::to_string(geometry.width) + "x" + std::to_string(geometry.height);
+  char rate[32] = "-";
+  if (!options.still) std::snprintf(rate, sizeof(rate), "%.1f", reached);
   if (!options.no_header) {
     std::printf("%-7s %-11s %-11s %-10s %-10s %s\n", "camera", "imager", "frame", "asked/s",
                 "reached/s", "file");
   }
-  std::printf("%-7u %-11s %-11s %-10.1f %-10.1f %s\n", camera.index(), camera.TypeText().c_str(),
-              size.c_str(), camera.FrameRateAsked(), reached, options.output.c_str());
+  std::printf("%-7u %-11s %-11s %-10.1f %-10s %s\n", camera.index(), camera.TypeText().c_str(),
+              size.c_str(), camera.FrameRateAsked(), rate, options.output.c_str());
 }
 
 void PrintStatistics(const FrameStatistics& statistics) {
