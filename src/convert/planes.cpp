@@ -1,4 +1,6 @@
 // Codes 3, 4 and 18: a green plane first, then red and blue by colour differences.
+#include <algorithm>
+
 #include "convert/mosaic.h"
 #include "convert/neighbourhood.h"
 #include "convert/reflected_rows.h"
@@ -150,6 +152,8 @@ struct GreyLaplacianCode : CodeBase<Form> {
   }
 };
 
+constexpr std::size_t kBandRows = 32;
+
 template <typename Form, typename Estimate>
 Status ConvertByPlane(const Frame<Form>& frame) {
   const GreenPlane<Form> plane(frame);
@@ -157,8 +161,18 @@ Status ConvertByPlane(const Frame<Form>& frame) {
     return kOutOfMemory;
   }
   using PlaneCode = typename PlanePass<Estimate>::template Code<Form>;
-  DriveReflected<Form, PlanePass<Estimate>::template Code>(PlaneCode{{frame}, plane});
-  DriveReflected(ColourPass<Form>{{frame}, plane});
+  const PlaneCode plane_pass{{frame}, plane};
+  const ColourPass<Form> colour_pass{{frame}, plane};
+  // The passes take turns, so that the plane's rows are still in the cache when they
+  // are read; the second looks at one row below and copies another ahead.
+  std::size_t planned = 0;
+  for (std::size_t top = 0; top < frame.height; top += kBandRows) {
+    const std::size_t bottom = std::min(top + kBandRows, frame.height);
+    const std::size_t plane_bottom = std::min(bottom + 2, frame.height);
+    DriveReflected<Form, PlanePass<Estimate>::template Code>(plane_pass, planned, plane_bottom);
+    DriveReflected(colour_pass, top, bottom);
+    planned = plane_bottom;
+  }
   return kOk;
 }
 

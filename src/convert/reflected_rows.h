@@ -30,8 +30,9 @@ class PaddedRows {
   // Columns around the strip that hold samples.
   static constexpr std::size_t kMargin = 4;
 
-  PaddedRows(std::size_t width, std::size_t height, std::size_t begin, std::size_t end)
-      : width_(width), height_(height), begin_(begin), end_(end) {}
+  PaddedRows(std::size_t width, std::size_t height, std::size_t begin, std::size_t end,
+             std::size_t first_row)
+      : width_(width), height_(height), begin_(begin), end_(end), next_(first_row) {}
 
   // The place of column `begin` of row y. `copy(row, first, count, place)` copies
   // samples; rows must be asked for in ascending order, a few at a time.
@@ -76,7 +77,7 @@ class PaddedRows {
   std::size_t height_;
   std::size_t begin_;
   std::size_t end_;
-  std::size_t next_ = 0;
+  std::size_t next_;
   alignas(64) std::uint8_t ring_[kRing][kStripBytes + 2 * kPaddingBytes];
 };
 
@@ -84,19 +85,23 @@ class PaddedRows {
 template <typename Form, typename Code>
 class ReflectedDrive {
  public:
-  ReflectedDrive(const Code& code, const Kernels& kernels, std::size_t begin, std::size_t end)
+  // Columns [begin, end) of rows [top, bottom).
+  ReflectedDrive(const Code& code, const Kernels& kernels, std::size_t begin, std::size_t end,
+                 std::size_t top, std::size_t bottom)
       : code_(code),
         kernels_(kernels),
         begin_(begin),
         end_(end),
-        raw_(code.frame.width, code.frame.height, begin, end),
-        green_(code.frame.width, code.frame.height, begin, end) {
+        top_(top),
+        bottom_(bottom),
+        raw_(code.frame.width, code.frame.height, begin, end, top > 2 ? top - 2 : 0),
+        green_(code.frame.width, code.frame.height, begin, end, top > 2 ? top - 2 : 0) {
     const std::size_t bytes = code.frame.width * code.frame.height * Code::kOutBytes;
     prefetch_ = bytes >= kPrefetchFromBytes;
   }
 
   void Run() {
-    for (std::size_t y = 0; y < code_.frame.height; ++y) {
+    for (std::size_t y = top_; y < bottom_; ++y) {
       Row(y);
     }
   }
@@ -203,18 +208,21 @@ class ReflectedDrive {
   const Kernels& kernels_;
   std::size_t begin_;
   std::size_t end_;
+  std::size_t top_;
+  std::size_t bottom_;
   bool prefetch_;
   PaddedRows<Form> raw_;
   PaddedRows<Form> green_;
   alignas(64) std::uint8_t beside_[3 * 64];
 };
 
+// Rows [top, bottom) of a frame.
 template <typename Form, template <typename> typename Code>
-void DriveReflected(const Code<Form>& code) {
+void DriveReflected(const Code<Form>& code, std::size_t top, std::size_t bottom) {
   const Kernels* kernels = KernelsOf(ActiveTier());
   const std::size_t width = code.frame.width;
   if (kernels == nullptr || width < 2 * PaddedRows<Form>::kMargin) {
-    for (std::size_t y = 0; y < code.frame.height; ++y) {
+    for (std::size_t y = top; y < bottom; ++y) {
       code.Pixels(y, 0, width);
     }
     return;
@@ -222,8 +230,13 @@ void DriveReflected(const Code<Form>& code) {
   constexpr std::size_t kStripColumns = PaddedRows<Form>::kStripColumns;
   for (std::size_t begin = 0; begin < width; begin += kStripColumns) {
     const std::size_t end = std::min(begin + kStripColumns, width);
-    ReflectedDrive<Form, Code<Form>>(code, *kernels, begin, end).Run();
+    ReflectedDrive<Form, Code<Form>>(code, *kernels, begin, end, top, bottom).Run();
   }
+}
+
+template <typename Form, template <typename> typename Code>
+void DriveReflected(const Code<Form>& code) {
+  DriveReflected(code, 0, code.frame.height);
 }
 
 }  // namespace ormidex::convert
