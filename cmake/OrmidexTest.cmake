@@ -37,6 +37,7 @@ function(ormidex_add_test name)
   target_link_libraries(${name} PRIVATE ormidex_core GTest::gtest GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   ormidex_compile_options(${name})
+  target_compile_options(${name} PRIVATE -O1)  # optimising the tests themselves gains nothing
   if(ORMIDEX_SANITIZE STREQUAL "thread" AND name IN_LIST ORMIDEX_ONE_THREAD_TESTS)
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
     return()
