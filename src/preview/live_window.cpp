@@ -31,9 +31,12 @@ LiveWindow::LiveWindow(device::CameraSession& session, const platform::WindowRec
 
 LiveWindow::~LiveWindow() { delete window_; }
 
+// OnCreate has kept the window by the time this returns; a window that was not
+// created is no longer there to be kept.
 bool LiveWindow::Create(const platform::WindowArguments& arguments) {
-  window_ = platform::CreateNativeWindow(arguments, *this);
-  return window_ != nullptr;
+  if (platform::CreateNativeWindow(arguments, *this) != nullptr) return true;
+  window_ = nullptr;
+  return false;
 }
 
 // What a failure leaves behind goes in OnDestroy, which follows it.
