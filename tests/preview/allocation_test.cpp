@@ -23,6 +23,7 @@ void* operator new(std::size_t bytes) {
 }
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Counted(bytes); }
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Counted(bytes); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
