@@ -25,10 +25,10 @@ quietly() {
   fi
 }
 
-# Runs a command inside a root directory, with /proc and /dev of its own and, when
-# $project_mount is set, the project at that place. Mounts and processes live in
-# name spaces that end with the command, so nothing stays mounted and no Wine
-# server stays behind, whatever happens.
+# Runs a command inside a root directory, with /proc, /dev and /tmp of its own and,
+# when $project_mount is set, the project at that place. Mounts and processes live
+# in name spaces that end with the command, so nothing stays mounted, no Wine server
+# stays behind, whatever happens, and two runs do not meet.
 in_root() {
   local root=$1
   shift
@@ -38,6 +38,8 @@ in_root() {
       shift 3
       mount -t proc proc "$root/proc"
       mount --rbind /dev "$root/dev"
+      mount -t tmpfs tmpfs "$root/tmp"
+      chmod 1777 "$root/tmp"
       [ -z "$place" ] || { mkdir -p "$root$place" && mount --bind "$project" "$root$place"; }
       # Not exec: the first process of the name space must collect orphans.
       chroot "$root" "$@" && exit 0 || exit "$?"' \

@@ -67,6 +67,16 @@ TEST(OneShotTimer, MayOutliveItsEventAndHitsNoOther) {
   }
 }
 
+// The multimedia timers of Windows are 16 for a process.
+TEST(OneShotTimer, ClosingTheEventGivesTheTimerBack) {
+  for (int i = 0; i < 100; ++i) {
+    Event event;
+    ASSERT_TRUE(event.Create(false));
+    ASSERT_TRUE(ArmOneShotTimer(event, 60'000, 100)) << "after " << i << " timers";
+    event.Close();
+  }
+}
+
 TEST(OneShotTimer, NeedsAnEvent) {
   Event never_created;
   EXPECT_FALSE(ArmOneShotTimer(never_created, 1, 1));

@@ -40,21 +40,18 @@ def succeeds(*arguments):
 def make_installation():
     """A writable view of the template where the system grants one, else a copy.
 
-    The mounts belong to the run's own name space and end with it.
+    /tmp and the mounts are the run's own and end with it.
     """
-    subprocess.run(["rm", "-rf", PREFIX], check=True)
-    PREFIX.mkdir()
-    layer = Path("/run/windows")
-    layer.mkdir(exist_ok=True)
-    if succeeds("mount", "-t", "tmpfs", "tmpfs", str(layer)):
-        (layer / "upper").mkdir()
-        (layer / "work").mkdir()
-        if succeeds("mount", "-t", "overlay", "overlay", "-o",
-                    f"lowerdir={TEMPLATE},upperdir={layer}/upper,workdir={layer}/work",
-                    str(PREFIX)):
-            return
+    layer = Path("/tmp/layer")
+    for folder in (PREFIX, layer, layer / "upper", layer / "work"):
+        folder.mkdir()
+    if succeeds("mount", "-t", "overlay", "overlay", "-o",
+                f"lowerdir={TEMPLATE},upperdir={layer}/upper,workdir={layer}/work", str(PREFIX)):
+        return
+    # Not into /tmp, which is in memory.
     PREFIX.rmdir()
-    subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
+    PREFIX.symlink_to(tempfile.mkdtemp(prefix="windows-", dir="/var/tmp"))
+    subprocess.run(["cp", "-aT", TEMPLATE, PREFIX.resolve()], check=True)
 
 
 def start_windows():
@@ -62,7 +59,8 @@ def start_windows():
     make_installation()
     SCRATCH.mkdir()
     display = subprocess.Popen(
-        ["Xvfb", ENVIRONMENT["DISPLAY"], "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+        ["Xvfb", ENVIRONMENT["DISPLAY"], "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
+         "-nolisten", "local"],
         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     # The server and the services stay for the run, so programs start at once.
     subprocess.run(["wineserver", "-p"], env=ENVIRONMENT, check=True)
@@ -74,8 +72,8 @@ def stop_windows(display):
     subprocess.run(["wineserver", "-k"], env=ENVIRONMENT, check=False)
     display.terminate()
     display.wait()
-    if not succeeds("umount", str(PREFIX)):
-        subprocess.run(["rm", "-rf", PREFIX], check=False)
+    if PREFIX.is_symlink():
+        subprocess.run(["rm", "-rf", PREFIX.resolve()], check=False)
 
 
 def windows_path(path):

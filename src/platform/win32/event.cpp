@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/fault_points.h"
+#include "platform/win32/event_timers.h"
 
 namespace ormidex::platform {
 
@@ -18,6 +19,7 @@ bool Event::Create(bool initially_signalled) noexcept {
 
 void Event::Close() noexcept {
   if (native_ != nullptr) {
+    KillTimersOf(native_);
     CloseHandle(native_);
     native_ = nullptr;
   }

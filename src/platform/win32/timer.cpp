@@ -10,6 +10,7 @@
 #include "platform/critical_section.h"
 #include "platform/event.h"
 #include "platform/fault_points.h"
+#include "platform/win32/event_timers.h"
 
 namespace ormidex::platform {
 namespace {
@@ -35,13 +36,21 @@ class SpinLock {
 // else, before the timer expires. These handles are closed at a later arming.
 struct TimerHandle {
   TimerHandle* next;
+  HANDLE owner;  // the event's own handle; null once that is closed
   HANDLE event;
-  std::uint32_t safe_from;  // tick from which on the timer surely has expired
+  MMRESULT system_timer;
+  std::uint32_t due_tick;
+  std::uint32_t safe_tick;  // from then on the system does not use the handle
 };
 
 constinit SpinLock timer_handles_lock;
 constinit TimerHandle* timer_handles = nullptr;
-constexpr std::uint32_t kExpiryGraceMs = 5000;
+// How much later than planned the system may still be signalling.
+constexpr std::uint32_t kExpiryGraceMs = 2000;
+constexpr std::uint32_t kKillGraceMs = 200;
+// Timers this close to their time are left to expire: the system may already have
+// given the timer's number to another.
+constexpr std::uint32_t kTooLateToKillMs = 150;
 
 bool HasPassed(std::uint32_t tick, std::uint32_t now) {
   return static_cast<std::int32_t>(now - tick) >= 0;
@@ -52,7 +61,7 @@ void CloseExpiredHandles() {
   timer_handles_lock.Enter();
   for (TimerHandle** link = &timer_handles; *link != nullptr;) {
     TimerHandle* entry = *link;
-    if (HasPassed(entry->safe_from, now)) {
+    if (HasPassed(entry->safe_tick, now)) {
       *link = entry->next;
       CloseHandle(entry->event);
       delete entry;
@@ -68,6 +77,22 @@ void KeepUntilExpired(TimerHandle* entry) {
   entry->next = timer_handles;
   timer_handles = entry;
   timer_handles_lock.Leave();
+}
+
+// Takes one timer that is still to come away from an event. 0 when there is none.
+MMRESULT DisownTimer(HANDLE owner, std::uint32_t now) {
+  MMRESULT system_timer = 0;
+  timer_handles_lock.Enter();
+  for (TimerHandle* entry = timer_handles; entry != nullptr && system_timer == 0;
+       entry = entry->next) {
+    if (entry->owner != owner) continue;
+    entry->owner = nullptr;
+    if (HasPassed(entry->due_tick - kTooLateToKillMs, now)) continue;
+    system_timer = entry->system_timer;
+    entry->safe_tick = now + kKillGraceMs;
+  }
+  timer_handles_lock.Leave();
+  return system_timer;
 }
 
 HANDLE Duplicate(HANDLE event) {
@@ -164,20 +189,30 @@ std::uint64_t MonotonicMicroseconds() noexcept {
   return ticks / per_second * 1'000'000u + ticks % per_second * 1'000'000u / per_second;
 }
 
+void KillTimersOf(void* event) noexcept {
+  const std::uint32_t now = TickMilliseconds();
+  while (const MMRESULT system_timer = DisownTimer(event, now)) {
+    timeKillEvent(system_timer);
+  }
+}
+
 bool ArmOneShotTimer(Event& event, std::uint32_t delay_ms, std::uint32_t resolution_ms) noexcept {
   if (!event.Exists() || FaultDue(FaultPoint::kTimerStart)) {
     return false;
   }
   CloseExpiredHandles();
   const HANDLE copy = Duplicate(event.native_);
+  const std::uint32_t due = TickMilliseconds() + delay_ms;
   auto* entry =
-      new (std::nothrow) TimerHandle{nullptr, copy, TickMilliseconds() + delay_ms + kExpiryGraceMs};
-  const bool armed = copy != nullptr && entry != nullptr &&
-                     timeSetEvent(delay_ms, resolution_ms, reinterpret_cast<LPTIMECALLBACK>(copy),
-                                  0, TIME_ONESHOT | TIME_CALLBACK_EVENT_SET) != 0;
-  if (armed) {
-    KeepUntilExpired(entry);
-    return true;
+      new (std::nothrow) TimerHandle{nullptr, event.native_, copy, 0, due, due + kExpiryGraceMs};
+  if (copy != nullptr && entry != nullptr) {
+    entry->system_timer =
+        timeSetEvent(delay_ms, resolution_ms, reinterpret_cast<LPTIMECALLBACK>(copy), 0,
+                     TIME_ONESHOT | TIME_CALLBACK_EVENT_SET);
+    if (entry->system_timer != 0) {
+      KeepUntilExpired(entry);
+      return true;
+    }
   }
   if (copy != nullptr) {
     CloseHandle(copy);
