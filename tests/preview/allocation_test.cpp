@@ -1,33 +1,6 @@
 // The preview's threads allocate nothing while frames flow.
-#include <cstdlib>
-#include <new>
-
+#include "preview/counted_memory.h"
 #include "preview/preview_test.h"
-
-namespace {
-
-// Counted in every thread of the program.
-constinit std::atomic<int> allocations{0};
-
-void* Counted(std::size_t bytes) {
-  allocations.fetch_add(1);
-  return std::malloc(bytes == 0 ? 1 : bytes);
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-  void* memory = Counted(bytes);
-  if (memory == nullptr) std::abort();
-  return memory;
-}
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Counted(bytes); }
-void* operator new[](std::size_t bytes) { return operator new(bytes); }
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Counted(bytes); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace ormidex::testing {
 namespace {
@@ -41,10 +14,10 @@ class Allocation : public PreviewTest {
     ASSERT_EQ(Start(), kOk);
     ASSERT_TRUE(HasShown(3));
     platform::RefuseOnceAfter(platform::FaultPoint::kAllocation, 0);
-    const int before = allocations.load();
+    const int before = AllocationsSoFar();
     const int shown = screen.draws.load();
     const bool flowed = HasShown(shown + 100);
-    const int after = allocations.load();
+    const int after = AllocationsSoFar();
     EXPECT_TRUE(platform::RefusalPending(platform::FaultPoint::kAllocation));
     platform::ClearFaults();
     EXPECT_TRUE(flowed);
@@ -79,9 +52,9 @@ TEST_F(Allocation, IsNotPerFrameInWideMonochrome) {
 
 // The count itself works.
 TEST_F(Allocation, IsCounted) {
-  const int before = allocations.load();
+  const int before = AllocationsSoFar();
   ::operator delete(::operator new(1));
-  EXPECT_EQ(allocations.load(), before + 1);
+  EXPECT_EQ(AllocationsSoFar(), before + 1);
 }
 
 }  // namespace
