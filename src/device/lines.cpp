@@ -38,8 +38,8 @@ Status CameraSession::I2cRead(std::uint8_t device_address, const std::uint8_t* w
   const std::uint32_t w = static_cast<std::uint32_t>(write_count) & kI2cCountMask;
   const std::uint32_t r = static_cast<std::uint32_t>(read_count) & kI2cCountMask;
   const std::uint32_t bytes = w + r + kI2cReadOverhead;
-  // The request buffer is never given back, deliberately: drivers of the field
-  // complete I2C transactions late and may still write into it.
+  // The request buffer is never given back: deliberate, long-standing behaviour that
+  // a test pins.
   auto* record = static_cast<std::uint8_t*>(platform::Allocate(bytes));
   if (record == nullptr) return kRequestFailed;  // nothing could be sent
   std::uint8_t* tail = StartI2cTransaction(record, 3, device_address, write_data, w);
