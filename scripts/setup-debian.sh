@@ -12,7 +12,7 @@ readonly build_needs="
   libgtest-dev=/usr/include/gtest/gtest.h
   libbenchmark-dev=/usr/include/benchmark/benchmark.h
   libjpeg62-turbo-dev=/usr/include/jpeglib.h
-  libjpeg-turbo-progs=djpeg libtiff-tools=tiffinfo imagemagick=convert
+  libjpeg-turbo-progs=djpeg libtiff-tools=tiffinfo imagemagick=/usr/bin/identify
   libstb-dev=/usr/include/stb/stb_image.h
   libcli11-dev=/usr/include/CLI/CLI.hpp nlohmann-json3-dev=/usr/include/nlohmann/json.hpp
   libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb"

@@ -197,9 +197,6 @@ Contender Ours(Work (*form)(Buffers&, std::uint32_t), std::uint32_t code) {
 Work Mono8(Buffers& b) {
   return [&b] { ExpandMono8(b.raw8(), b.size().width, b.size().height, b.image()); };
 }
-Work Mono16(Buffers& b) {
-  return [&b] { ExpandMono16(b.raw16(), b.size().width, b.size().height, b.image()); };
-}
 Work Correct(Buffers& b) {
   return [&b] { ColorCorrect(b.image(), b.size().Pixels(), 30, false); };
 }
@@ -215,6 +212,10 @@ void CompareWithMemcpy(Table& table) {
 }
 
 #ifdef ORMIDEX_HAVE_OPENCV
+Work Mono16(Buffers& b) {
+  return [&b] { ExpandMono16(b.raw16(), b.size().width, b.size().height, b.image()); };
+}
+
 Contender Theirs(int conversion, bool wide) {
   return [conversion, wide](Buffers& b) { return OpenCv(b, conversion, wide); };
 }
