@@ -119,6 +119,16 @@ def check_elf_exports(table, nm, library):
     return compare_sets("library", exported, {f"{name}@@ORMIDEX_1" for name in table})
 
 
+def check_symbol_list(nm, library, symbols):
+    """The built library against the list that packages are made with."""
+    exported = {line.split()[-1].replace("@@", "@")
+                for line in run(nm, "-D", "--defined-only", library).splitlines()}
+    exported = {name if "@" in name else f"{name}@{name}" for name in exported}
+    with open(symbols, encoding="ascii") as file:
+        listed = {line.split()[0] for line in file if line.startswith(" ")}
+    return compare_sets("library", exported, listed)
+
+
 def check_elf_soname(objdump, library):
     found = re.search(r"SONAME\s+(\S+)", run(objdump, "-p", library))
     return [] if found and found[1] == "libormidex.so.1" else [f"soname is {found and found[1]}"]
@@ -172,6 +182,7 @@ def main():
         "signatures": lambda: check_signatures(functions, table),
         "documentation": lambda: check_documentation(functions, header_text),
         "elf-exports": lambda: check_elf_exports(table, *files),
+        "symbol-list": lambda: check_symbol_list(*files),
         "elf-soname": lambda: check_elf_soname(*files),
         "dll-exports": lambda: check_dll_exports(table, *files),
         "dll-imports": lambda: check_dll_imports(*files),
