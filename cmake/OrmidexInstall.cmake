@@ -27,9 +27,13 @@ configure_file(cmake/ormidex.pc.in ormidex.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ormidex.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# Where Debian's python3 looks for modules of packages.
-set(ORMIDEX_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Folder of the Python module")
-install(DIRECTORY python/ormidex DESTINATION ${ORMIDEX_PYTHON_DIR} COMPONENT tools
+# Debian's python3 looks into this folder below /usr/local and below /usr.
+set(python_version "import sys; print('%d.%d' % sys.version_info[:2])")
+execute_process(COMMAND /usr/bin/python3 -c "${python_version}"
+  OUTPUT_VARIABLE python_version OUTPUT_STRIP_TRAILING_WHITESPACE)
+set(ORMIDEX_PYTHON_INSTALL_DIR lib/python${python_version}/dist-packages
+    CACHE STRING "Folder of the Python module")
+install(DIRECTORY python/ormidex DESTINATION ${ORMIDEX_PYTHON_INSTALL_DIR} COMPONENT tools
   FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed")
 
 # Manual pages: the tool's is written by hand, the functions' come from the header.

@@ -50,6 +50,12 @@ done
 step "the tool runs" "$prefix/bin/ormidex" list
 export PYTHONPATH
 PYTHONPATH=$(dirname "$(dirname "$(find "$folder/moved" -name '__init__.py')")")
+# Debian's python3 looks into some folders of each prefix only.
+python_finds() {
+  /usr/bin/python3 -c 'import sys; sys.exit(sys.argv[1] not in sys.path)' \
+    "/usr/local/${PYTHONPATH#"$prefix/"}"
+}
+step "Python looks where the module is" python_finds
 # The system's Python: numpy is a package of the system.
 step "Python" /usr/bin/python3 "$source/examples/python/first_picture.py" "$folder/picture.bmp"
 step "its picture has its size" test "$(stat -c %s "$folder/picture.bmp")" = $((54 + 921600))
