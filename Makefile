@@ -6,7 +6,10 @@
 #   make bench         the benchmarks
 #   make windows       the 32-bit Windows library, its tool and its package
 #   make test-windows  their tests, under Wine
-#   make install        the library, headers, tool and Python module (PREFIX, DESTDIR)
+#   make install       the library, headers, tool and Python module (PREFIX, DESTDIR)
+#   make package       Debian packages and the Windows archive, in dist
+#   make test-package  their tests, lintian's among them
+#   make abi           record the library's interface anew, after functions were added
 #   make format        format the sources      make lint   check the sources
 #   make clean         remove everything built
 SETUP := scripts/setup-debian.sh
@@ -18,7 +21,8 @@ export CMAKE_C_COMPILER_LAUNCHER ?= ccache
 export CMAKE_CXX_COMPILER_LAUNCHER ?= ccache
 endif
 
-.PHONY: all build demo test bench windows test-windows install format lint clean
+.PHONY: all build demo test bench windows test-windows install package debian-packages \
+  test-package abi format lint clean
 
 all: build
 
@@ -55,6 +59,22 @@ PREFIX ?= /usr/local
 
 install: build
 	@cmake --install build/release --prefix $(PREFIX)
+	@if [ -z "$(DESTDIR)" ] && [ "$$(id -u)" = 0 ]; then ldconfig; fi
+
+package: debian-packages windows
+
+debian-packages:
+	@$(SETUP) package
+	@JOBS=$(JOBS) scripts/package-debian.sh
+
+test-package: build debian-packages
+	@mkdir -p build/results/package
+	@ctest --test-dir build/release -C Package -R '^package_test$$' --output-on-failure \
+	  --no-tests=error --output-junit $(CURDIR)/build/results/package/ctest.xml
+
+abi: build
+	@$(SETUP) package
+	@scripts/update-abi.sh build/release/src/frame/libormidex.so.1
 
 format:
 	@$(SETUP) format

@@ -2,7 +2,7 @@
 # Installs what a build needs and the machine lacks: on Debian, as root, by
 # itself; elsewhere it says what is missing and fails.
 #
-# usage: setup-debian.sh PURPOSE...   (build, bench, format, windows)
+# usage: setup-debian.sh PURPOSE...   (build, bench, format, package, windows)
 set -euo pipefail
 
 # package=what shows that it is there: a command, or the absolute path of a file
@@ -15,9 +15,12 @@ readonly build_needs="
   libjpeg-turbo-progs=djpeg libtiff-tools=tiffinfo imagemagick=/usr/bin/identify
   libstb-dev=/usr/include/stb/stb_image.h
   libcli11-dev=/usr/include/CLI/CLI.hpp nlohmann-json3-dev=/usr/include/nlohmann/json.hpp
-  libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb"
+  libfmt-dev=/usr/include/fmt/core.h
+  libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb abigail-tools=abidiff doxygen=doxygen"
 readonly bench_needs="$build_needs libopencv-dev=/usr/include/opencv4/opencv2/core.hpp"
 readonly format_needs="clang-format=clang-format clang-tidy=clang-tidy $build_needs"
+readonly package_needs="$build_needs debhelper=dh dh-python=dh_python3 dpkg-dev=dpkg-buildpackage
+  lintian=lintian"
 readonly windows_needs="$build_needs
   g++-mingw-w64-i686-win32=i686-w64-mingw32-g++-win32
   binutils-mingw-w64-i686=i686-w64-mingw32-windres
@@ -44,6 +47,7 @@ needs_of() {
     build) echo "$build_needs" ;;
     bench) echo "$bench_needs" ;;
     format) echo "$format_needs" ;;
+    package) echo "$package_needs" ;;
     windows) echo "$windows_needs" ;;
     *) echo "setup-debian.sh: unknown purpose '$1'" >&2 && return 1 ;;
   esac
