@@ -9,6 +9,7 @@
 #   make install       the library, headers, tool and Python module (PREFIX, DESTDIR)
 #   make package       Debian packages and the Windows archive, in dist
 #   make test-package  their tests, lintian's among them
+#   make docs          the reference as HTML, in build/docs
 #   make abi           record the library's interface anew, after functions were added
 #   make format        format the sources      make lint   check the sources
 #   make clean         remove everything built
@@ -22,7 +23,7 @@ export CMAKE_CXX_COMPILER_LAUNCHER ?= ccache
 endif
 
 .PHONY: all build demo test bench windows test-windows install package debian-packages \
-  test-package abi format lint clean
+  test-package docs abi format lint clean
 
 all: build
 
@@ -71,6 +72,10 @@ test-package: build debian-packages
 	@mkdir -p build/results/package
 	@ctest --test-dir build/release -C Package -R '^package_test$$' --output-on-failure \
 	  --no-tests=error --output-junit $(CURDIR)/build/results/package/ctest.xml
+
+docs:
+	@$(SETUP) build
+	@scripts/docs.sh
 
 abi: build
 	@$(SETUP) package

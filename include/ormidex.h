@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Ormidex: control of CMOS cameras on an IEEE 1394 bus.
  *
  * This header is the whole interface. It needs nothing else, and compiles as
@@ -61,13 +62,20 @@
 #ifndef ORMIDEX_H_
 #define ORMIDEX_H_
 
-/* Callee-cleans calls and 4 bytes an argument on 32-bit Windows. */
+/**
+ * @def ORMIDEX_CALL
+ * How functions are called: callee-cleans, 4 bytes an argument, on 32-bit Windows.
+ */
 #if defined(_WIN32) && !defined(_WIN64)
 #define ORMIDEX_CALL __stdcall
 #else
 #define ORMIDEX_CALL
 #endif
 
+/**
+ * @def ORMIDEX_API
+ * A function that the library exports.
+ */
 #if defined(__GNUC__) && !defined(_WIN32)
 #define ORMIDEX_API __attribute__((visibility("default")))
 #else
@@ -78,8 +86,11 @@
 extern "C" {
 #endif
 
+/** A byte. */
 typedef unsigned char OrmidexUInt8;
+/** A signed number of 32 bits. */
 typedef int OrmidexInt32;
+/** An unsigned number of 32 bits. */
 typedef unsigned int OrmidexUInt32;
 
 /** An open camera; null when there is none. */
@@ -88,6 +99,7 @@ typedef void* OrmidexHandle;
 /** What every function returns: one of OrmidexStatusCode. */
 typedef OrmidexUInt32 OrmidexStatus;
 
+/** What the functions return. */
 enum OrmidexStatusCode {
   /** Success. */
   ORMIDEX_OK = 0,
@@ -189,11 +201,15 @@ enum OrmidexOverlayFormat {
 /** Width or height of OrmidexStartPreview: that of the frame. */
 #define ORMIDEX_FRAME_SIZE 0xFFFFFFFFu
 
-/** A rectangle; right and bottom are one past the last pixel. */
+/** A rectangle of pixels. */
 typedef struct OrmidexRect {
+  /** The first column. */
   OrmidexInt32 left;
+  /** The first row. */
   OrmidexInt32 top;
+  /** One past the last column. */
   OrmidexInt32 right;
+  /** One past the last row. */
   OrmidexInt32 bottom;
 } OrmidexRect;
 
@@ -205,10 +221,13 @@ typedef struct OrmidexRect {
 typedef struct OrmidexHardwareVersion {
   /** Model number; bit 0 monochrome, bit 1 EC variant, bit 2 clear: with IFE. */
   char model[9];
+  /** The serial number of the camera. */
   char serialNumber[9];
   /** Four characters of the model's name, as the camera gives them. */
   char modelText[5];
+  /** The version of the controller's firmware. */
   char firmwareVersion[12];
+  /** The revision of the controller. */
   char hardwareRevision[12];
   /** Descriptive text, for example "Torvenal 1394 Camera (Color)". */
   char description[64];
