@@ -99,6 +99,7 @@ VectorFeatures DetectVectorFeatures() noexcept {
   features.avx2 = (states & kAvxStates) == kAvxStates && Bit(extended.ebx, 5);
   features.avx512_vbmi =
       features.avx2 && (states & kAvx512States) == kAvx512States && HasAvx512Vbmi(extended);
+  features.avx512_vnni = features.avx512_vbmi && Bit(extended.ecx, 11);
   return features;
 }
 

@@ -15,6 +15,7 @@ struct VectorFeatures {
   bool ssse3 = false;
   bool avx2 = false;
   bool avx512_vbmi = false;  // with F, BW, DQ, VL and VBMI
+  bool avx512_vnni = false;  // beside these, VNNI
 };
 VectorFeatures DetectVectorFeatures() noexcept;
 
