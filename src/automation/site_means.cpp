@@ -74,7 +74,7 @@ void ComputeSiteMeans8(std::uint32_t bayer_phase, const std::uint8_t* frame, std
                        const SiteRectangle& rectangle, std::uint32_t* packed, std::uint32_t,
                        std::uint32_t* dark_count, std::uint32_t* clipped_count) {
   ClearCounters(dark_count, clipped_count);
-  const SiteSumKernel sum = AvailableSiteSumTiers().back()->sum8;
+  const SiteSumKernel sum = ActiveSiteSumTier().sum8;
   *packed = ComputePacked(bayer_phase, rectangle, sum(RowsOf(frame, stride, rectangle, 1)), 0);
 }
 
@@ -82,7 +82,7 @@ void ComputeSiteMeans16(std::uint32_t bayer_phase, const std::uint8_t* frame, st
                         const SiteRectangle& rectangle, std::uint32_t* packed, std::uint32_t,
                         std::uint32_t* dark_count, std::uint32_t* clipped_count) {
   ClearCounters(dark_count, clipped_count);
-  const SiteSumKernel sum = AvailableSiteSumTiers().back()->sum16;
+  const SiteSumKernel sum = ActiveSiteSumTier().sum16;
   *packed = ComputePacked(bayer_phase, rectangle, sum(RowsOf(frame, stride, rectangle, 2)), 8);
 }
 

@@ -48,6 +48,13 @@ BayerSiteMeans Means16(std::uint32_t phase, const std::vector<std::uint8_t>& fra
   return BayerSiteMeans::FromPacked(packed);
 }
 
+// Runs with every tier of the kernels.
+class SiteMeans : public ::testing::TestWithParam<const SiteSumTier*> {
+ protected:
+  void SetUp() override { UseSiteSumTier(GetParam()); }
+  void TearDown() override { UseSiteSumTier(nullptr); }
+};
+
 void ExpectMeans(const BayerSiteMeans& means, int red, int green1, int green2, int blue,
                  const std::string& where) {
   EXPECT_EQ(means.red, red) << where;
@@ -56,7 +63,7 @@ void ExpectMeans(const BayerSiteMeans& means, int red, int green1, int green2, i
   EXPECT_EQ(means.blue, blue) << where;
 }
 
-TEST(SiteMeans, PackedWordHoldsGreen1RedGreen2BlueFromTheTop) {
+TEST(PackedSiteMeans, HoldGreen1RedGreen2BlueFromTheTop) {
   constexpr BayerSiteMeans kMeans = BayerSiteMeans::FromPacked(0x11223344);
   EXPECT_EQ(kMeans.green1, 0x11);
   EXPECT_EQ(kMeans.red, 0x22);
@@ -67,7 +74,7 @@ TEST(SiteMeans, PackedWordHoldsGreen1RedGreen2BlueFromTheTop) {
 
 // Even row 10, 20; odd row 30, 40. Phase 0 is R G / G B, phase 1 G R / B G (its
 // rows of type A are the odd ones), phase 2 B G / G R.
-TEST(SiteMeans, ThreePhasesAssignTheFourSites) {
+TEST_P(SiteMeans, ThreePhasesAssignTheFourSites) {
   const auto frame = CellFrame(8, 4, {10, 20, 30, 40});
   const SiteRectangle all{0, 0, 8, 4};
   ExpectMeans(Means8(0, frame, 8, all), 10, 20, 30, 40, "phase 0");
@@ -79,7 +86,7 @@ TEST(SiteMeans, ThreePhasesAssignTheFourSites) {
   ExpectMeans(Means16(2, wide, 8, all), 40, 20, 30, 10, "phase 2, 16 bits");
 }
 
-TEST(SiteMeans, PhaseTwoSwapsRedAndBlueAndKeepsTheGreens) {
+TEST_P(SiteMeans, PhaseTwoSwapsRedAndBlueAndKeepsTheGreens) {
   const auto frame = CellFrame(12, 6, {7, 90, 110, 200});
   const SiteRectangle rectangle{1, 1, 11, 5};
   const BayerSiteMeans zero = Means8(0, frame, 12, rectangle);
@@ -90,7 +97,7 @@ TEST(SiteMeans, PhaseTwoSwapsRedAndBlueAndKeepsTheGreens) {
   EXPECT_EQ(two.green2, zero.green2);
 }
 
-TEST(SiteMeans, ParitiesAreThoseOfTheFrameNotOfTheRectangle) {
+TEST_P(SiteMeans, ParitiesAreThoseOfTheFrameNotOfTheRectangle) {
   const auto frame = CellFrame(16, 16, {10, 20, 30, 40});
   const auto wide = Widened(frame, 0);
   for (std::uint32_t left = 0; left < 4; ++left) {
@@ -106,7 +113,7 @@ TEST(SiteMeans, ParitiesAreThoseOfTheFrameNotOfTheRectangle) {
 }
 
 // 5 x 4 pixels: 4 samples of each kind are summed, the divisor is 20 / 4 = 5.
-TEST(SiteMeans, OddWidthIgnoresItsLastColumnButDividesByAllPixels) {
+TEST_P(SiteMeans, OddWidthIgnoresItsLastColumnButDividesByAllPixels) {
   auto frame = CellFrame(8, 4, {100, 50, 200, 250});
   for (std::uint32_t y = 0; y < 4; ++y) frame[y * 8 + 4] = 255;  // the odd column
   ExpectMeans(Means8(0, frame, 8, {0, 0, 5, 4}), 80, 40, 160, 200, "5 x 4");
@@ -114,21 +121,21 @@ TEST(SiteMeans, OddWidthIgnoresItsLastColumnButDividesByAllPixels) {
 
 // 2 x 3 pixels: rows 0 and 2 are type A, row 1 type B; the divisor is 6 / 4 = 1.
 // The even column of type A sums 100 + 100, the odd one 30 + 30.
-TEST(SiteMeans, OddHeightWeighsTheRowTypesUnevenly) {
+TEST_P(SiteMeans, OddHeightWeighsTheRowTypesUnevenly) {
   const auto frame = CellFrame(2, 4, {100, 30, 20, 60});
   ExpectMeans(Means8(0, frame, 2, {0, 0, 2, 3}), 200, 60, 20, 60, "2 x 3");
 }
 
 // 4 x 3 pixels of 255: type A sums 4 x 255 = 1020 over 12 / 4 = 3, which is 340, or
 // 84 in its low eight bits. Type B sums 2 x 255 over 3, which is 170.
-TEST(SiteMeans, MeanAbove255KeepsItsLowEightBitsAndSpoilsNoOther) {
+TEST_P(SiteMeans, MeanAbove255KeepsItsLowEightBitsAndSpoilsNoOther) {
   const std::vector<std::uint8_t> frame(4 * 3, 255);
   ExpectMeans(Means8(0, frame, 4, {0, 0, 4, 3}), 84, 84, 170, 170, "8 bits");
   const std::vector<std::uint8_t> wide(4 * 3 * 2, 255);
   ExpectMeans(Means16(0, wide, 4, {0, 0, 4, 3}), 84, 84, 170, 170, "16 bits");
 }
 
-TEST(SiteMeans, LowByteOfA16BitSampleIsDroppedBeforeSumming) {
+TEST_P(SiteMeans, LowByteOfA16BitSampleIsDroppedBeforeSumming) {
   std::vector<std::uint8_t> frame;
   for (int i = 0; i < 4 * 4; ++i) {
     frame.push_back(0xFF);
@@ -144,7 +151,7 @@ TEST(SiteMeans, LowByteOfA16BitSampleIsDroppedBeforeSumming) {
   EXPECT_EQ(Means16(0, frame, 4, {0, 0, 4, 4}).red, 0);
 }
 
-TEST(SiteMeans, MeansAreTruncated) {
+TEST_P(SiteMeans, MeansAreTruncated) {
   // Reds 1, 0, 0, 2 in a 4 x 4 frame: 3 / 4.
   std::vector<std::uint8_t> frame(16, 0);
   frame[0] = 1;
@@ -154,7 +161,7 @@ TEST(SiteMeans, MeansAreTruncated) {
   EXPECT_EQ(Means8(0, frame, 4, {0, 0, 4, 4}).red, 1);
 }
 
-TEST(SiteMeans, CountersComeBackAsZeroWhateverTheFrameHolds) {
+TEST_P(SiteMeans, CountersComeBackAsZeroWhateverTheFrameHolds) {
   const std::vector<std::uint8_t> frame(64, 255);
   std::uint32_t packed = 0;
   std::uint32_t dark = 77;
@@ -172,7 +179,7 @@ TEST(SiteMeans, CountersComeBackAsZeroWhateverTheFrameHolds) {
 // 514 x 512 pixels have 65,792 sites of one kind, and 65,792 x 0xFF00 =
 // 4,294,901,760 still fits in 32 bits; 514 x 514 have 66,049, whose sum of
 // 4,311,678,720 wraps to 16,711,424: over 66,049 that is 253, shifted right 0.
-TEST(SiteMeans, SixteenBitSumsWrapAround) {
+TEST_P(SiteMeans, SixteenBitSumsWrapAround) {
   const std::vector<std::uint8_t> frame(std::size_t{514} * 514 * 2, 0xFF);
   ExpectMeans(Means16(0, frame, 514, {0, 0, 514, 512}), 255, 255, 255, 255, "65,792 sites");
   ExpectMeans(Means16(0, frame, 514, {0, 0, 514, 514}), 0, 0, 0, 0, "66,049 sites");
@@ -183,7 +190,7 @@ TEST(SiteMeans, SixteenBitSumsWrapAround) {
 }
 
 // Fewer than four pixels: divided by 1. Fewer than two columns hold no pair.
-TEST(SiteMeans, RectanglesBelowTwoByTwoGiveTheSumsOfWhatTheyHold) {
+TEST_P(SiteMeans, RectanglesBelowTwoByTwoGiveTheSumsOfWhatTheyHold) {
   const auto frame = CellFrame(4, 4, {10, 20, 30, 40});
   ExpectMeans(Means8(0, frame, 4, {0, 0, 0, 0}), 0, 0, 0, 0, "0 x 0");
   ExpectMeans(Means8(0, frame, 4, {1, 1, 1, 3}), 0, 0, 0, 0, "0 x 2");
@@ -195,84 +202,13 @@ TEST(SiteMeans, RectanglesBelowTwoByTwoGiveTheSumsOfWhatTheyHold) {
   ExpectMeans(Means16(0, Widened(frame, 9), 4, {0, 0, 2, 1}), 10, 20, 0, 0, "2 x 1, 16 bits");
 }
 
-TEST(SiteMeans, OneColumnHoldsNoPairHoweverTallItIs) {
+TEST_P(SiteMeans, OneColumnHoldsNoPairHoweverTallItIs) {
   const auto frame = CellFrame(4, 16, {10, 20, 30, 40});
   ExpectMeans(Means8(0, frame, 4, {1, 0, 2, 16}), 0, 0, 0, 0, "1 x 16");
 }
 
-// ---- The kernels --------------------------------------------------------------
-
-std::vector<std::uint8_t> RandomBytes(std::size_t count, std::uint32_t seed) {
-  std::vector<std::uint8_t> bytes(count);
-  for (std::uint8_t& byte : bytes) {
-    seed = seed * 1664525u + 1013904223u;
-    byte = static_cast<std::uint8_t>(seed >> 24);
-  }
-  return bytes;
-}
-
-void ExpectSameSums(const SampleRows& samples, SiteSumKernel reference, SiteSumKernel kernel,
-                    const std::string& where) {
-  const SiteSums expected = reference(samples);
-  const SiteSums sums = kernel(samples);
-  for (int parity = 0; parity < 2; ++parity) {
-    EXPECT_EQ(sums.rows[parity].first, expected.rows[parity].first) << where << parity;
-    EXPECT_EQ(sums.rows[parity].second, expected.rows[parity].second) << where << parity;
-  }
-}
-
-void ExpectTiersAgree(const std::vector<std::uint8_t>& bytes, std::size_t offset,
-                      std::size_t stride_bytes, std::uint32_t rows, std::uint32_t pairs) {
-  const SampleRows samples{bytes.data() + offset, stride_bytes, rows, pairs};
-  for (const SiteSumTier* tier : AvailableSiteSumTiers()) {
-    const std::string where = std::string(tier->name) + ", " + std::to_string(pairs) + " pairs x " +
-                              std::to_string(rows) + " rows, row kind ";
-    if (std::size_t{pairs} * 2 <= stride_bytes) {
-      ExpectSameSums(samples, kScalarSiteSums.sum8, tier->sum8, where);
-    }
-    if (std::size_t{pairs} * 4 <= stride_bytes) {
-      ExpectSameSums(samples, kScalarSiteSums.sum16, tier->sum16, where);
-    }
-  }
-}
-
-TEST(SiteSums, EveryTierEqualsTheReferenceAtEveryWidthAndAlignment) {
-  for (std::uint32_t pairs = 0; pairs < 100; ++pairs) {
-    // The buffer ends with the last sample, so a read beyond it shows under a
-    // checking allocator.
-    const std::size_t stride = std::size_t{pairs} * 4;
-    for (std::size_t offset = 0; offset < 4; ++offset) {
-      const auto bytes = RandomBytes(offset + stride * 3, pairs * 8 + 1);
-      ExpectTiersAgree(bytes, offset, stride, 3, pairs);
-      ExpectTiersAgree(bytes, offset, stride, 3, pairs * 2);
-    }
-  }
-}
-
-TEST(SiteSums, EveryTierEqualsTheReferenceOnLongRowsOfAllOnes) {
-  // More vectors in a row than a 16-bit word can add without widening.
-  constexpr std::uint32_t kPairs = 10007;
-  const std::vector<std::uint8_t> bytes(std::size_t{kPairs} * 4 * 2, 0xFF);
-  ExpectTiersAgree(bytes, 0, std::size_t{kPairs} * 4, 2, kPairs);
-  ExpectTiersAgree(bytes, 0, std::size_t{kPairs} * 4, 2, kPairs * 2);
-}
-
-TEST(SiteSums, EveryTierWrapsLikeTheReference) {
-  const std::vector<std::uint8_t> bytes(std::size_t{1280} * 1024 * 2, 0xFF);
-  ExpectTiersAgree(bytes, 0, 2560, 1024, 640);
-  // A stride of 0 reads the same row over and over: 20 million sites wrap 8 bits.
-  for (const SiteSumTier* tier : AvailableSiteSumTiers()) {
-    const SampleRows samples{bytes.data(), 0, 70000, 640};
-    const SiteSums sums = tier->sum8(samples);
-    // 35,000 x 640 x 255 = 5,712,000,000, less 2^32.
-    EXPECT_EQ(sums.rows[0].first, 1417032704u) << tier->name;
-    EXPECT_EQ(sums.rows[1].second, 1417032704u) << tier->name;
-  }
-}
-
-TEST(SiteSums, TheReferenceIsAlwaysThere) {
-  EXPECT_EQ(AvailableSiteSumTiers().front(), &kScalarSiteSums);
-}
+INSTANTIATE_TEST_SUITE_P(Tiers, SiteMeans, ::testing::ValuesIn(AvailableSiteSumTiers()),
+                         [](const auto& test) { return test.param->name; });
 
 }  // namespace
 }  // namespace ormidex::automation

@@ -40,10 +40,19 @@ struct SiteSumTier {
 extern const SiteSumTier kScalarSiteSums;  // the reference, and for processors without SSE2
 extern const SiteSumTier kSse2SiteSums;
 extern const SiteSumTier kAvx2SiteSums;
-extern const SiteSumTier kAvx512SiteSums;  // needs F and BW
+extern const SiteSumTier kAvx512SiteSums;      // needs F and BW
+extern const SiteSumTier kAvx512VnniSiteSums;  // needs F, BW and VNNI
 
 // The tiers that this machine can run, the reference first, the fastest last.
 std::span<const SiteSumTier* const> AvailableSiteSumTiers();
+
+// The fastest tier of this machine that a value of ORMIDEX_TIER (null: not set)
+// leaves: the conversions' names, of which `ssse3` is SSE2 here.
+const SiteSumTier& SiteSumTierForWish(const char* wish);
+// The tier in use, chosen at the first call by that environment variable.
+const SiteSumTier& ActiveSiteSumTier();
+// Tests: use this tier; null: choose anew.
+void UseSiteSumTier(const SiteSumTier* tier);
 
 }  // namespace ormidex::automation
 
