@@ -50,11 +50,25 @@ struct BilinearCode : CodeBase<Form> {
     }
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  TwoRowsKernel TwoRows(const Kernels& kernels) const {
+    switch (rounding) {
+      case Rounding::kMmx:
+        return kernels.bilinear_two_mmx;
+      case Rounding::kExtended:
+        return kernels.bilinear_two_extended;
+      default:
+        return Form::kChannelBytes == 1 ? kernels.bilinear_two_portable.narrow
+                                        : kernels.bilinear_two_portable.wide;
+    }
+  }
+  // The portable routine forms them within pairs of rows instead.
+  bool TwoRowsEnds() const { return rounding != Rounding::kPortable; }
+
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = Kind(y);
     for (std::size_t x = begin; x < end; ++x) {
       const RolePixel pixel = PixelOf(frame, kind, rounding, x, y);
-      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
+      StorePixel<Form>(out, x - begin, ToRgb(kind, pixel));
     }
   }
 

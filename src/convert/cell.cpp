@@ -47,10 +47,10 @@ struct ReplicateCode : CodeBase<Form> {
     return this->OfForm(kernels.replicate);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const std::size_t last = frame.width - 1;
     for (std::size_t x = begin; x < end; ++x) {
-      StorePixel<Form>(Out(y), x, BlockColours(frame, x < last ? x : last - 1, y));
+      StorePixel<Form>(out, x - begin, BlockColours(frame, x < last ? x : last - 1, y));
     }
   }
 };
@@ -64,7 +64,7 @@ struct GreyHorizontalCode : CodeBase<Form> {
     return this->OfForm(kernels.grey_horizontal);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
     const std::uint8_t* row = frame.SourceRow(y);
     for (std::size_t x = begin; x < end; ++x) {
@@ -74,7 +74,7 @@ struct GreyHorizontalCode : CodeBase<Form> {
         const std::size_t right = x + 1 < frame.width ? x + 1 : x - 1;
         grey = Mean(Form::Load(row, left), Form::Load(row, right));
       }
-      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
+      StorePixel<Form>(out, x - begin, {grey, grey, grey});
     }
   }
 };
@@ -92,13 +92,13 @@ struct MosaicCode : CodeBase<Form> {
     return this->OfForm(kernels.mosaic);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = Kind(y);
     const std::uint8_t* row = frame.SourceRow(y);
     for (std::size_t x = begin; x < end; ++x) {
       const Sample sample = Form::Load(row, x);
       const RolePixel pixel = kind.IsGreen(x) ? RolePixel{0, sample, 0} : RolePixel{sample, 0, 0};
-      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
+      StorePixel<Form>(out, x - begin, ToRgb(kind, pixel));
     }
   }
 };

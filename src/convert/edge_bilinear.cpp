@@ -44,14 +44,14 @@ struct EdgeBilinearCode : CodeBase<Form> {
     return this->OfForm(this->IsEdgeRow(y) ? kernels.edge_bilinear_edge : kernels.edge_bilinear);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
     for (std::size_t x = begin; x < end; ++x) {
       RolePixel pixel = PortablePixel(frame, kind, x, y);
       if (!kind.IsGreen(x)) {
         pixel.green = GreenAt(frame, x, y);
       }
-      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
+      StorePixel<Form>(out, x - begin, ToRgb(kind, pixel));
     }
   }
 };
@@ -64,11 +64,11 @@ struct GreyEdgeCode : CodeBase<Form> {
     return this->OfForm(this->IsEdgeRow(y) ? kernels.grey_edge_edge : kernels.grey_edge);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
     for (std::size_t x = begin; x < end; ++x) {
       const Sample grey = kind.IsGreen(x) ? frame.At(x, y) : GreenAt(frame, x, y);
-      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
+      StorePixel<Form>(out, x - begin, {grey, grey, grey});
     }
   }
 };

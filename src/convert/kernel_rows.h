@@ -10,18 +10,19 @@
 #include "convert/mosaic.h"
 #include "convert/neighbourhood.h"
 #include "convert/routines.h"
+#include "convert/row_target.h"
 #include "convert/samples.h"
 #include "convert/tiers.h"
 
 namespace ormidex::convert {
 
-// From this size on an image does not stay in the cache between its rows, and the
-// next output row is fetched while one is computed.
-inline constexpr std::size_t kPrefetchFromBytes = std::size_t{2} << 20;
-
 // What every code brings to the drive, with the defaults of most. A code adds
 //   RowKernel Kernel(const Kernels&, y)    the kernel for row y
-//   void Pixels(y, begin, end)             the scalar formulas for some columns
+//   void Pixels(y, begin, end, out)        the scalar formulas for some columns, of
+//                                          which `out` is the first one's place
+// and may add
+//   TwoRowsKernel TwoRows(const Kernels&)  the kernel for two interior rows
+//   bool TwoRowsEnds()                     its first and last columns are right, too
 template <typename Form>
 struct CodeBase {
   Frame<Form> frame;
@@ -40,7 +41,8 @@ struct CodeBase {
   }
 };
 
-// The rows that a kernel sees of a frame: all of it, as it is.
+// The rows that a kernel sees of a frame: all of it, as it is, each row with the next
+// one as its margin.
 template <typename Form>
 class DirectRows {
  public:
@@ -49,7 +51,8 @@ class DirectRows {
   const std::uint8_t* Row(std::size_t y) const { return frame_.SourceRow(y); }
   std::size_t FirstColumn() const { return 0; }
   std::size_t Width() const { return frame_.width; }
-  bool IsWholeFrame() const { return true; }
+  bool HasMargin() const { return true; }
+  bool IsWholeRows() const { return true; }
 
  private:
   Frame<Form> frame_;
@@ -59,7 +62,7 @@ class DirectRows {
 // rows on the stack. The strip has a margin for the kernels' neighbours.
 class NarrowedRows {
  public:
-  static constexpr std::size_t kStripColumns = 2048;
+  static constexpr std::size_t kStripColumns = 4096;
   static constexpr std::size_t kMargin = 8;
 
   NarrowedRows(const Frame<Form16To24>& frame, const Kernels& kernels, std::size_t begin,
@@ -78,7 +81,8 @@ class NarrowedRows {
   }
   std::size_t FirstColumn() const { return first_; }
   std::size_t Width() const { return width_; }
-  bool IsWholeFrame() const { return false; }
+  bool HasMargin() const { return false; }
+  bool IsWholeRows() const { return width_ == frame_.width; }
 
  private:
   // Three rows are looked at; the next power of two makes the ring's place cheap.
@@ -99,14 +103,18 @@ template <typename Form, typename Code, typename Rows>
 class RowDrive {
  public:
   RowDrive(const Code& code, const Kernels& kernels, Rows& rows, std::size_t begin, std::size_t end)
-      : code_(code), kernels_(kernels), rows_(rows), begin_(begin), end_(end) {
-    const std::size_t bytes = code.frame.width * code.frame.height * Code::kOutBytes;
-    prefetch_ = bytes >= kPrefetchFromBytes;
-  }
+      : code_(code),
+        kernels_(kernels),
+        rows_(rows),
+        begin_(begin),
+        end_(end),
+        target_(kernels, code.frame.width * code.frame.height * Code::kOutBytes,
+                rows.IsWholeRows() ? (end - begin) * Code::kOutBytes : RowTarget::kPartOfRow) {}
 
   void Run() {
-    for (std::size_t y = 0; y < code_.Rows(); ++y) {
-      Row(y);
+    std::size_t y = 0;
+    while (y < code_.Rows()) {
+      y += TwoRows(y) ? 2 : OneRow(y);
     }
   }
 
@@ -114,8 +122,11 @@ class RowDrive {
   // Columns and rows looked at on each side.
   static constexpr std::size_t kReach = 1;
 
-  void Row(std::size_t y) {
-    const RowJob job = JobFor(y);
+  std::uint8_t* Out(std::size_t y) const { return code_.Out(y) + begin_ * Code::kOutBytes; }
+
+  std::size_t OneRow(std::size_t y) {
+    std::uint8_t* const out = target_.Begin(Out(y), 0);
+    const RowJob job = JobFor(y, out);
     ColumnSpan done = code_.Kernel(kernels_, y)(job);
     for (const Kernels* lower = LowerTier(&kernels_); done.begin == done.end && lower != nullptr;
          lower = LowerTier(lower)) {
@@ -127,25 +138,84 @@ class RowDrive {
     const std::size_t valid_end = std::min(first + done.end, code_.frame.width - kReach);
     const bool any = done.begin < done.end && valid_begin < valid_end;
     const std::size_t left_end = any ? std::clamp(valid_begin, begin_, end_) : end_;
-    code_.Pixels(y, begin_, left_end);
-    code_.Pixels(y, any ? std::clamp(valid_end, left_end, end_) : end_, end_);
+    Pixels(y, begin_, left_end, out);
+    Pixels(y, any ? std::clamp(valid_end, left_end, end_) : end_, end_, out);
+    target_.Finish(Out(y), 0);
+    return 1;
   }
 
-  RowJob JobFor(std::size_t y) {
+  // False where the code has no such kernel or the rows do not suit it.
+  bool TwoRows(std::size_t y) {
+    if constexpr (requires { code_.TwoRows(kernels_); }) {
+      const std::size_t width = code_.frame.width;
+      const bool interior = y >= 1 && y + 2 < code_.frame.height;
+      const bool whole_rows = rows_.IsWholeRows() && end_ == width && width % 2 == 0;
+      if (!interior || !whole_rows || code_.Kind(y).starts_green) {
+        return false;
+      }
+      const TwoRowsJob job = TwoRowsJobFor(y);
+      for (const Kernels* kernels = &kernels_; kernels != nullptr; kernels = LowerTier(kernels)) {
+        if (code_.TwoRows(*kernels)(job)) {
+          FinishTwoRows(y, job);
+          return true;
+        }
+      }
+    }
+    return false;
+  }
+
+  void FinishTwoRows(std::size_t y, const TwoRowsJob& job) {
+    if (!code_.TwoRowsEnds()) {
+      for (const std::size_t column : {std::size_t{0}, end_ - 1}) {
+        Pixels(y, column, column + 1, job.out);
+        Pixels(y + 1, column, column + 1, job.out_below);
+      }
+    }
+    target_.Finish(Out(y), 0);
+    target_.Finish(Out(y + 1), 1);
+  }
+
+  // `out` is the place of column `begin_`.
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
+    if (begin < end) {
+      code_.Pixels(y, begin, end, out + (begin - begin_) * Code::kOutBytes);
+    }
+  }
+
+  TwoRowsJob TwoRowsJobFor(std::size_t y) {
+    TwoRowsJob job{};
+    job.above = rows_.Row(y - 1);
+    job.row = rows_.Row(y);
+    job.below = rows_.Row(y + 1);
+    job.below2 = rows_.Row(y + 2);
+    job.out = target_.Begin(Out(y), 0);
+    job.out_below = target_.Begin(Out(y + 1), 1);
+    if (target_.prefetches() && y + 3 < code_.Rows()) {
+      job.next_out = Out(y + 2);
+      job.next_out_below = Out(y + 3);
+    }
+    job.width = code_.frame.width;
+    job.has_red = code_.Kind(y).has_red;
+    return job;
+  }
+
+  // A kernel may write outside of [begin_, end_) only where that is the image.
+  RowJob JobFor(std::size_t y, std::uint8_t* out) {
     const std::size_t first = rows_.FirstColumn();
     const RowKind kind = code_.Kind(y);
     RowJob job{};
     job.above = RowAt(y, -1);
     job.row = RowAt(y, 0);
     job.below = RowAt(y, 1);
-    job.out = code_.Out(y) + first * Code::kOutBytes;
-    job.next_out =
-        prefetch_ && y + 1 < code_.Rows() ? code_.Out(y + 1) + first * Code::kOutBytes : nullptr;
+    job.out = out - (begin_ - first) * Code::kOutBytes;
+    job.next_out = target_.prefetches() && y + 1 < code_.Rows()
+                       ? Out(y + 1) - (begin_ - first) * Code::kOutBytes
+                       : nullptr;
     job.width = std::min(rows_.Width(), code_.Columns() - first);
     job.has_red = kind.has_red;
     job.starts_green = kind.IsGreen(first);
     // Away from the frame's ends the rows before and after lie on either side.
-    job.has_margin = rows_.IsWholeFrame() && y >= 3 && y + 3 < code_.frame.height;
+    job.has_margin = rows_.HasMargin() && y >= 3 && y + 3 < code_.frame.height;
     return job;
   }
 
@@ -155,12 +225,13 @@ class RowDrive {
   const std::uint8_t* RowAt(std::size_t y, std::ptrdiff_t step) {
     return rows_.Row(Reflected(y, step));
   }
+
   const Code& code_;
   const Kernels& kernels_;
   Rows& rows_;
   std::size_t begin_;
   std::size_t end_;
-  bool prefetch_;
+  RowTarget target_;
 };
 
 template <typename Form, template <typename> typename Code>
@@ -170,7 +241,7 @@ void Drive(const Code<Form>& code) {
   const bool is_tiny = code.frame.width < 8 || code.frame.height < 2;
   if (kernels == nullptr || is_tiny) {
     for (std::size_t y = 0; y < code.Rows(); ++y) {
-      code.Pixels(y, 0, columns);
+      code.Pixels(y, 0, columns, code.Out(y));
     }
     return;
   }

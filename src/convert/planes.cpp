@@ -102,9 +102,9 @@ struct PlanePass {
       return this->OfForm(kernels.*Estimate::kPlaneKernels);
     }
 
-    void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+    void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
       for (std::size_t x = begin; x < end; ++x) {
-        Form::Store(plane.Row(y), x, GreenAt<Form, Estimate>(frame, x, y));
+        Form::Store(out, x - begin, GreenAt<Form, Estimate>(frame, x, y));
       }
     }
 
@@ -121,14 +121,14 @@ struct ColourPass : CodeBase<Form> {
     return this->OfForm(kernels.colour);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
     const auto plane_at = [this](std::size_t x, std::size_t row) { return plane.At(x, row); };
     for (std::size_t x = begin; x < end; ++x) {
       Neighbourhood greens;
       static_cast<void>(ReadNeighbourhood(frame.width, frame.height, x, y, plane_at, greens));
       const Neighbourhood raw = NeighbourhoodAt(frame, x, y);
-      StorePixel<Form>(frame.ImageRow(y), x,
+      StorePixel<Form>(out, x - begin,
                        ToRgb(kind, ColourPixel<Form>(raw, greens, kind.IsGreen(x))));
     }
   }
@@ -144,10 +144,10 @@ struct GreyLaplacianCode : CodeBase<Form> {
     return this->OfForm(kernels.grey_gradient);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     for (std::size_t x = begin; x < end; ++x) {
       const Sample grey = GreenAt<Form, LaplacianEstimate>(frame, x, y);
-      StorePixel<Form>(frame.ImageRow(y), x, {grey, grey, grey});
+      StorePixel<Form>(out, x - begin, {grey, grey, grey});
     }
   }
 };

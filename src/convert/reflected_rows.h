@@ -95,10 +95,9 @@ class ReflectedDrive {
         top_(top),
         bottom_(bottom),
         raw_(code.frame.width, code.frame.height, begin, end, top > 2 ? top - 2 : 0),
-        green_(code.frame.width, code.frame.height, begin, end, top > 2 ? top - 2 : 0) {
-    const std::size_t bytes = code.frame.width * code.frame.height * Code::kOutBytes;
-    prefetch_ = bytes >= kPrefetchFromBytes;
-  }
+        green_(code.frame.width, code.frame.height, begin, end, top > 2 ? top - 2 : 0),
+        target_(kernels, code.frame.width * code.frame.height * Code::kOutBytes,
+                (end - begin) * Code::kOutBytes) {}
 
   void Run() {
     for (std::size_t y = top_; y < bottom_; ++y) {
@@ -112,8 +111,15 @@ class ReflectedDrive {
   // Kernels write pairs of columns from a red or blue site on. A first column that is
   // green, and a last one that is not, have half of their pair outside of the strip.
   void Row(std::size_t y) {
+    std::uint8_t* const place = code_.Out(y) + begin_ * Code::kOutBytes;
+    std::uint8_t* const out = target_.Begin(place, 0);
+    Columns(y, out);
+    target_.Finish(place, 0);
+  }
+
+  void Columns(std::size_t y, std::uint8_t* out) {
     const std::size_t columns = end_ - begin_;
-    const RowJob job = JobFor(y);
+    const RowJob job = JobFor(y, out);
     for (const Kernels* kernels = &kernels_; kernels != nullptr; kernels = LowerTier(kernels)) {
       const RowKernel kernel = code_.Kernel(*kernels, y);
       const ColumnSpan done = kernel(job);
@@ -129,7 +135,7 @@ class ReflectedDrive {
         return;
       }
     }
-    code_.Pixels(y, begin_, end_);
+    code_.Pixels(y, begin_, end_, out);
   }
 
   // Makes one vector of columns from `start` on beside the image, and copies `column`.
@@ -147,7 +153,7 @@ class ReflectedDrive {
     std::memcpy(place, beside_ + index * kOutBytes, kOutBytes);
   }
 
-  RowJob JobFor(std::size_t y) {
+  RowJob JobFor(std::size_t y, std::uint8_t* out) {
     RowJob job{};
     job.above2 = RawAt(y, -2);
     job.above = RawAt(y, -1);
@@ -159,13 +165,13 @@ class ReflectedDrive {
       job.green_row = GreenAt(y, 0);
       job.green_below = GreenAt(y, 1);
     }
-    job.next_out = prefetch_ && y + 1 < code_.frame.height
+    job.next_out = target_.prefetches() && y + 1 < code_.frame.height
                        ? code_.Out(y + 1) + begin_ * Code::kOutBytes
                        : nullptr;
     job.has_red = code_.Kind(y).has_red;
     job.starts_green = code_.Kind(y).IsGreen(begin_);
     job.has_margin = true;
-    job.out = code_.Out(y) + begin_ * Code::kOutBytes;
+    job.out = out;
     job.width = end_ - begin_;
     return job;
   }
@@ -210,9 +216,9 @@ class ReflectedDrive {
   std::size_t end_;
   std::size_t top_;
   std::size_t bottom_;
-  bool prefetch_;
   PaddedRows<Form> raw_;
   PaddedRows<Form> green_;
+  RowTarget target_;
   alignas(64) std::uint8_t beside_[3 * 64];
 };
 
@@ -223,7 +229,7 @@ void DriveReflected(const Code<Form>& code, std::size_t top, std::size_t bottom)
   const std::size_t width = code.frame.width;
   if (kernels == nullptr || width < 2 * PaddedRows<Form>::kMargin) {
     for (std::size_t y = top; y < bottom; ++y) {
-      code.Pixels(y, 0, width);
+      code.Pixels(y, 0, width, code.Out(y));
     }
     return;
   }

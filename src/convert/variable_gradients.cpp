@@ -159,12 +159,12 @@ struct VariableGradientsCode : CodeBase<Form> {
     return this->OfForm(kernels.variable_gradients);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end) const {
+  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
     for (std::size_t x = begin; x < end; ++x) {
       const Neighbourhood around = NeighbourhoodAt(frame, x, y);
       const RolePixel pixel = ColoursAt<Form>(Site(around, kind.IsGreen(x)));
-      StorePixel<Form>(frame.ImageRow(y), x, ToRgb(kind, pixel));
+      StorePixel<Form>(out, x - begin, ToRgb(kind, pixel));
     }
   }
 };

@@ -1,6 +1,9 @@
 #include "platform/processor.h"
 
 #include <cpuid.h>
+#if __has_include(<sys/platform/x86.h>)
+#include <sys/platform/x86.h>
+#endif
 
 #include <atomic>
 #include <cstdint>
@@ -28,21 +31,30 @@ Leaf Identify(unsigned leaf) {
 
 constexpr bool Bit(unsigned word, int index) { return ((word >> index) & 1u) != 0; }
 
-// The feature word with the two multimedia bits. Asked for on every conversion, so
-// with a single identification instruction: under a hypervisor each one costs
-// microseconds. Only the instruction's presence, which a 32-bit processor may lack,
-// is remembered.
-unsigned BasicFeatures() {
-#if defined(__i386__)
+// Leaf 1 EDX has the two multimedia bits. They are asked for on every conversion, of
+// the C library where it offers its copy of the word: the instruction itself costs
+// microseconds under a hypervisor, a sixth of a small picture's conversion.
+constexpr int kMmxBit = 23;
+constexpr int kExtendedBit = 25;
+#if __has_include(<sys/platform/x86.h>)
+bool HasBasicFeature(int bit) {
+  static_assert(x86_cpu_MMX == 3 * 32 + kMmxBit && x86_cpu_SSE == 3 * 32 + kExtendedBit,
+                "the C library counts the bits of leaf 1 in the order EAX, EBX, ECX, EDX");
+  return bit == kMmxBit ? CPU_FEATURE_PRESENT(MMX) : CPU_FEATURE_PRESENT(SSE);
+}
+#else
+// A single instruction. Only its presence, which an old 32-bit processor may lack, is
+// remembered.
+bool HasBasicFeature(int bit) {
   static const bool can_identify = __get_cpuid_max(0, nullptr) >= 1;
   if (!can_identify) {
-    return 0;
+    return false;
   }
-#endif
   Leaf leaf;
   __cpuid(1, leaf.eax, leaf.ebx, leaf.ecx, leaf.edx);
-  return leaf.edx;
+  return Bit(leaf.edx, bit);
 }
+#endif
 
 // Register states that the operating system saves for a thread. Only defined
 // where the OSXSAVE bit is set.
@@ -72,7 +84,7 @@ bool HasMmx() noexcept {
   if (pretence != ProcessorPretence::kNone) {
     return pretence != ProcessorPretence::kNoMmx;
   }
-  return Bit(BasicFeatures(), 23);
+  return HasBasicFeature(kMmxBit);
 }
 
 bool HasExtendedMmx() noexcept {
@@ -80,7 +92,7 @@ bool HasExtendedMmx() noexcept {
   if (pretence != ProcessorPretence::kNone) {
     return pretence == ProcessorPretence::kMmxAndExtended;
   }
-  return Bit(BasicFeatures(), 25);
+  return HasBasicFeature(kExtendedBit);
 }
 
 VectorFeatures DetectVectorFeatures() noexcept {

@@ -4,8 +4,9 @@
 
 namespace ormidex::platform {
 
-// Identification leaf 1, EDX bit 23 and bit 25; asked anew at each call. These
-// two decide which rounding the bilinear conversion uses.
+// Identification leaf 1, EDX bit 23 and bit 25; asked anew at each call, of the
+// processor or of the C library's copy of the word. These two decide which
+// rounding the bilinear conversion uses.
 bool HasMmx() noexcept;
 bool HasExtendedMmx() noexcept;
 

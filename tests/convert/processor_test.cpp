@@ -1,5 +1,6 @@
 #include "platform/processor.h"
 
+#include <cpuid.h>
 #include <gtest/gtest.h>
 
 namespace ormidex::platform {
@@ -8,6 +9,16 @@ namespace {
 TEST(Processor, EveryProcessorThatRunsTheTestsHasBothMultimediaBits) {
   EXPECT_TRUE(HasMmx());
   EXPECT_TRUE(HasExtendedMmx());
+}
+
+TEST(Processor, TheMultimediaBitsAreThoseThatTheProcessorItselfNames) {
+  unsigned eax = 0;
+  unsigned ebx = 0;
+  unsigned ecx = 0;
+  unsigned edx = 0;
+  ASSERT_NE(__get_cpuid(1, &eax, &ebx, &ecx, &edx), 0);
+  EXPECT_EQ(HasMmx(), (edx >> 23 & 1u) != 0);
+  EXPECT_EQ(HasExtendedMmx(), (edx >> 25 & 1u) != 0);
 }
 
 TEST(Processor, PretencesAreAnsweredUntilTheyAreDropped) {

@@ -3,11 +3,13 @@
 #include "convert/kernels/kernels.h"
 
 // clang-format off
+#include "convert/kernels/sites.inc"
 #include "convert/kernels/vector_avx512.h"
 #include "convert/kernels/entry.h"
 #include "convert/kernels/pairs.inc"
 #include "convert/kernels/bilinear.inc"
 #include "convert/kernels/mono.inc"
+#include "convert/kernels/stream.inc"
 #include "convert/kernels/edge_bilinear.inc"
 #include "convert/kernels/cell.inc"
 #include "convert/kernels/planes.inc"
@@ -25,6 +27,12 @@ extern const Kernels kAvx512Kernels = {
     .bilinear_edge = {BilinearEdgeRow<Lanes8>, BilinearEdgeRow<Lanes16>},
     .bilinear_mmx = BilinearRow<Lanes8, Means::kMmx>,
     .bilinear_extended = BilinearRow<Lanes8, Means::kExtended>,
+    .bilinear_two_portable = {BilinearTwoRows<Lanes8, Means::kPortable>,
+                              BilinearTwoRows<Lanes16, Means::kPortable>},
+    .bilinear_two_mmx = BilinearTwoRows<Lanes8, Means::kMmx>,
+    .bilinear_two_extended = BilinearTwoRows<Lanes8, Means::kExtended>,
+    .stream_bytes = StreamBytes,
+    .end_stream = EndStream,
     .high_bytes = HighBytes,
     .expand_grey8 = ExpandGrey8,
     .expand_grey16 = ExpandGrey16,

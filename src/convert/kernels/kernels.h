@@ -47,6 +47,26 @@ struct ColumnSpan {
 
 using RowKernel = ColumnSpan (*)(const RowJob& job);
 
+// Two neighbouring interior rows of a mosaic, which share most of what they need. The
+// first sample of `row` is red or blue, of `below` green; the width is even. No sample
+// outside of the rows is read: the frame is reflected about its first and last column.
+struct TwoRowsJob {
+  const std::uint8_t* above;
+  const std::uint8_t* row;
+  const std::uint8_t* below;
+  const std::uint8_t* below2;
+  std::uint8_t* out;
+  std::uint8_t* out_below;
+  // To be fetched into the cache meanwhile, or null.
+  const std::uint8_t* next_out;
+  const std::uint8_t* next_out_below;
+  std::size_t width;
+  bool has_red;
+};
+
+// False, and nothing written, where the rows are too narrow for the tier.
+using TwoRowsKernel = bool (*)(const TwoRowsJob& job);
+
 // The factors of a colour correction in fixed point: what multiplies a channel (in the
 // low half) and what multiplies the sum of all three (in the high half), as three limbs
 // from the highest, which is signed, to the lowest. The lower limbs have 15 bits.
@@ -61,6 +81,11 @@ struct RowKernels {
   RowKernel wide;
 };
 
+struct TwoRowsKernels {
+  TwoRowsKernel narrow;
+  TwoRowsKernel wide;
+};
+
 struct Kernels {
   const char* tier;
   std::size_t vector_bytes;
@@ -70,6 +95,17 @@ struct Kernels {
   RowKernels bilinear_edge;
   RowKernel bilinear_mmx;
   RowKernel bilinear_extended;
+
+  // Code 1, two rows at once. The portable routine forms the first and last pixel of a
+  // row otherwise: there the caller overwrites them.
+  TwoRowsKernels bilinear_two_portable;
+  TwoRowsKernel bilinear_two_mmx;
+  TwoRowsKernel bilinear_two_extended;
+
+  // Copies bytes to an image that is larger than the caches, past them. After the last
+  // row the stream must be ended, or another thread may see older bytes.
+  void (*stream_bytes)(const std::uint8_t* from, std::size_t count, std::uint8_t* to);
+  void (*end_stream)();
 
   // High bytes of `count` 16-bit samples: how 24-bit images are made of 16-bit frames.
   void (*high_bytes)(const std::uint8_t* samples, std::size_t count, std::uint8_t* bytes);

@@ -16,11 +16,30 @@ inline Vector Load(const std::uint8_t* p) {
 inline void Store(std::uint8_t* p, Vector v) {
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v);
 }
+// Past the cache, to an aligned place.
+inline void StorePast(std::uint8_t* p, Vector v) {
+  _mm256_stream_si256(reinterpret_cast<__m256i*>(p), v);
+}
 inline Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm256_or_si256(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm256_xor_si256(a, b); }
 inline Vector AndNot(Vector a, Vector b) { return _mm256_andnot_si256(a, b); }
 inline void LeaveVectorMode() { _mm256_zeroupper(); }
+
+// The vector one lane up or down; the lane that has no neighbour takes the reflection
+// about the row's first or last sample.
+template <std::size_t kLaneBytes>
+inline Vector ReflectStart(Vector v) {
+  const __m128i low = _mm256_castsi256_si128(v);
+  const __m128i second = _mm_slli_si128(low, 16 - 2 * kLaneBytes);
+  return _mm256_alignr_epi8(v, _mm256_set_m128i(low, second), 16 - kLaneBytes);
+}
+template <std::size_t kLaneBytes>
+inline Vector ReflectEnd(Vector v) {
+  const __m128i high = _mm256_extracti128_si256(v, 1);
+  const __m128i last_but_one = _mm_srli_si128(high, 16 - 2 * kLaneBytes);
+  return _mm256_alignr_epi8(_mm256_set_m128i(last_but_one, high), v, kLaneBytes);
+}
 
 // Per 128-bit half: three stores in the order of memory.
 inline void StoreHalves(std::uint8_t* out, Vector v0, Vector v1, Vector v2) {
@@ -35,27 +54,20 @@ inline Vector PackHighBytes(Vector low, Vector high) {
   return _mm256_permute4x64_epi64(packed, _MM_SHUFFLE(3, 1, 2, 0));
 }
 
-// What stands where in the six values of a pair of pixels: F, the outer vector (0:
-// lane of x, 1: lane of p), or U, own and inner alternately.
-enum class From : std::uint8_t { kF0, kF1, kU0, kU1, kU2, kU3 };
-constexpr From kSitesOfRedRow[6] = {From::kF0, From::kF1, From::kU0,
-                                    From::kU1, From::kU2, From::kU3};
-constexpr From kSitesOfBlueRow[6] = {From::kU0, From::kF1, From::kF0,
-                                     From::kU3, From::kU2, From::kU1};
-
 // Byte orders for the 16-byte output number `part` of 8 x 2 (or 4 x 2) pixels: of F,
 // and of the 16 bytes of U from byte 8 * part on. -128 leaves a nought.
 struct HalfOrder {
   std::int8_t f[16];
   std::int8_t u[16];
 };
-constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, std::size_t part) {
+constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, bool odd_sites,
+                                  std::size_t part) {
   HalfOrder order{};
   for (std::size_t i = 0; i < 16; ++i) {
     const std::size_t lane = (16 * part + i) / lane_bytes;
     const std::size_t byte = i % lane_bytes;
     const std::size_t pair = lane / 6;
-    const From from = (has_red ? kSitesOfRedRow : kSitesOfBlueRow)[lane % 6];
+    const From from = SequenceOf(has_red, odd_sites).values[lane % 6];
     const auto site = static_cast<std::size_t>(from);
     const std::size_t f = (2 * pair + site) * lane_bytes + byte;
     const std::size_t u = (4 * pair + site - 2) * lane_bytes + byte - 8 * part;
@@ -64,11 +76,11 @@ constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, std::siz
   }
   return order;
 }
-template <std::size_t kLaneBytes, bool kHasRed, std::size_t kPart>
-constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kPart);
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, std::size_t kPart>
+constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kOddSites, kPart);
 
 // Interleaves F with U, whose bytes stand in `low` and `high`.
-template <std::size_t kLaneBytes, bool kHasRed>
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites>
 inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector high) {
   const auto in_halves = [](const std::int8_t* order) {
     return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(order)));
@@ -77,9 +89,9 @@ inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector hi
     return Or(_mm256_shuffle_epi8(f, in_halves(order.f)),
               _mm256_shuffle_epi8(u, in_halves(order.u)));
   };
-  StoreHalves(out, part(low, kHalfOrder<kLaneBytes, kHasRed, 0>),
-              part(_mm256_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, 1>),
-              part(high, kHalfOrder<kLaneBytes, kHasRed, 2>));
+  StoreHalves(out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>),
+              part(_mm256_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>),
+              part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
 }
 
 // Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
@@ -196,13 +208,14 @@ struct Lanes8 {
   static Vector MeanUp(Vector a, Vector b) { return _mm256_avg_epu8(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm256_slli_epi16(v, 8); }
+  static Vector ToEven(Vector v) { return _mm256_srli_epi16(v, 8); }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm256_blendv_epi8(even, odd, _mm256_set1_epi16(static_cast<short>(0xFF00)));
   }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed>(out, outer, _mm256_unpacklo_epi8(own, inner),
-                                           _mm256_unpackhi_epi8(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm256_unpacklo_epi8(own, inner),
+                                                      _mm256_unpackhi_epi8(own, inner));
   }
 
  private:
@@ -233,11 +246,12 @@ struct Lanes16 {
   static Vector MeanUp(Vector a, Vector b) { return _mm256_avg_epu16(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm256_slli_epi32(v, 16); }
+  static Vector ToEven(Vector v) { return _mm256_srli_epi32(v, 16); }
   static Vector EvenOdd(Vector even, Vector odd) { return _mm256_blend_epi16(even, odd, 0xAA); }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed>(out, outer, _mm256_unpacklo_epi16(own, inner),
-                                           _mm256_unpackhi_epi16(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm256_unpacklo_epi16(own, inner),
+                                                      _mm256_unpackhi_epi16(own, inner));
   }
 
  private:

@@ -13,56 +13,85 @@ constexpr std::size_t kVectorBytes = 64;
 
 inline Vector Load(const std::uint8_t* p) { return _mm512_loadu_si512(p); }
 inline void Store(std::uint8_t* p, Vector v) { _mm512_storeu_si512(p, v); }
+// Past the cache, to an aligned place.
+inline void StorePast(std::uint8_t* p, Vector v) {
+  _mm512_stream_si512(reinterpret_cast<__m512i*>(p), v);
+}
 inline Vector And(Vector a, Vector b) { return _mm512_and_si512(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm512_or_si512(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm512_xor_si512(a, b); }
 inline Vector AndNot(Vector a, Vector b) { return _mm512_andnot_si512(a, b); }
 inline void LeaveVectorMode() { _mm256_zeroupper(); }
 
-// What stands where in the six values of a pair of pixels: F, the outer vector (0:
-// lane of x, 1: lane of p), or U, own and inner alternately.
-enum class From : std::uint8_t { kF0, kF1, kU0, kU1, kU2, kU3 };
-constexpr From kSitesOfRedRow[6] = {From::kF0, From::kF1, From::kU0,
-                                    From::kU1, From::kU2, From::kU3};
-constexpr From kSitesOfBlueRow[6] = {From::kU0, From::kF1, From::kF0,
-                                     From::kU3, From::kU2, From::kU1};
-
-// Lane orders for output vector number `part`: where F, own and inner have the lanes
-// that it takes, and which lanes it takes from own and inner.
+// Lane orders for output vector number `part`: where F and own (counted on behind F)
+// have the lanes that it takes, where inner has them, and which it takes from inner.
 template <typename Lane>
 struct alignas(64) SiteOrder {
   static constexpr std::size_t kLanes = kVectorBytes / sizeof(Lane);
-  Lane f[kLanes];
-  Lane own[kLanes];
+  Lane outer_own[kLanes];
   Lane inner[kLanes];
-  std::uint64_t takes_own;
   std::uint64_t takes_inner;
 };
 template <typename Lane>
-constexpr SiteOrder<Lane> MakeSiteOrder(bool has_red, std::size_t part) {
+constexpr SiteOrder<Lane> MakeSiteOrder(bool has_red, bool odd_sites, std::size_t part) {
   constexpr std::size_t kLanes = SiteOrder<Lane>::kLanes;
   SiteOrder<Lane> order{};
   for (std::size_t i = 0; i < kLanes; ++i) {
     const std::size_t pair = (kLanes * part + i) / 6;
-    const From from = (has_red ? kSitesOfRedRow : kSitesOfBlueRow)[(kLanes * part + i) % 6];
+    const From from = SequenceOf(has_red, odd_sites).values[(kLanes * part + i) % 6];
     const auto site = static_cast<std::size_t>(from);
     const std::uint64_t bit = std::uint64_t{1} << i;
-    order.f[i] = static_cast<Lane>(2 * pair + site % 2);
-    order.own[i] = static_cast<Lane>(2 * pair + (site == 4 ? 1 : 0));
+    const bool takes_own = site == 2 || site == 4;
+    order.outer_own[i] = static_cast<Lane>(takes_own ? kLanes + 2 * pair + (site == 4 ? 1 : 0)
+                                                     : 2 * pair + site % 2);
     order.inner[i] = static_cast<Lane>(2 * pair + (site == 5 ? 1 : 0));
-    order.takes_own |= site == 2 || site == 4 ? bit : 0;
     order.takes_inner |= site == 3 || site == 5 ? bit : 0;
   }
   return order;
 }
-template <typename Lane, bool kHasRed, std::size_t kPart>
-constexpr SiteOrder<Lane> kSiteOrder = MakeSiteOrder<Lane>(kHasRed, kPart);
+template <typename Lane, bool kHasRed, bool kOddSites, std::size_t kPart>
+constexpr SiteOrder<Lane> kSiteOrder = MakeSiteOrder<Lane>(kHasRed, kOddSites, kPart);
+
+// The vector one lane up or down; the lane that has no neighbour takes the reflection
+// about the row's first or last sample.
+struct alignas(64) Reflections {
+  std::uint8_t start[64];
+  std::uint8_t end[64];
+};
+constexpr Reflections MakeReflections(std::size_t lane_bytes) {
+  Reflections orders{};
+  for (std::size_t i = 0; i < 64; ++i) {
+    orders.start[i] = static_cast<std::uint8_t>(i < lane_bytes ? i + lane_bytes : i - lane_bytes);
+    const bool is_last = i + lane_bytes >= 64;
+    orders.end[i] = static_cast<std::uint8_t>(is_last ? i - lane_bytes : i + lane_bytes);
+  }
+  return orders;
+}
+template <std::size_t kLaneBytes>
+constexpr Reflections kReflections = MakeReflections(kLaneBytes);
+template <std::size_t kLaneBytes>
+inline Vector ReflectStart(Vector v) {
+  return _mm512_permutexvar_epi8(_mm512_load_si512(kReflections<kLaneBytes>.start), v);
+}
+template <std::size_t kLaneBytes>
+inline Vector ReflectEnd(Vector v) {
+  return _mm512_permutexvar_epi8(_mm512_load_si512(kReflections<kLaneBytes>.end), v);
+}
 
 // The odd bytes of two vectors.
+struct alignas(64) OddBytes {
+  std::uint8_t index[64];
+};
+constexpr OddBytes MakeOddBytes() {
+  OddBytes order{};
+  for (std::size_t i = 0; i < 64; ++i) {
+    order.index[i] = static_cast<std::uint8_t>(2 * i + 1);
+  }
+  return order;
+}
+constexpr OddBytes kOddBytes = MakeOddBytes();
 inline Vector PackHighBytes(Vector low, Vector high) {
-  const __m256i first = _mm512_cvtepi16_epi8(_mm512_srli_epi16(low, 8));
-  const __m256i second = _mm512_cvtepi16_epi8(_mm512_srli_epi16(high, 8));
-  return _mm512_inserti64x4(_mm512_castsi256_si512(first), second, 1);
+  return _mm512_permutex2var_epi8(low, _mm512_load_si512(kOddBytes.index), high);
 }
 
 // Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
@@ -185,23 +214,22 @@ struct Lanes8 {
   static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu8(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm512_slli_epi16(v, 8); }
+  static Vector ToEven(Vector v) { return _mm512_srli_epi16(v, 8); }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0xCA);
   }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    Store(out, Part<kHasRed, 0>(outer, own, inner));
-    Store(out + 64, Part<kHasRed, 1>(outer, own, inner));
-    Store(out + 128, Part<kHasRed, 2>(outer, own, inner));
+    Store(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
+    Store(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
+    Store(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
   }
 
  private:
-  template <bool kHasRed, std::size_t kPart>
+  template <bool kHasRed, bool kOddSites, std::size_t kPart>
   static Vector Part(Vector outer, Vector own, Vector inner) {
-    constexpr const auto& kOrder = kSiteOrder<std::uint8_t, kHasRed, kPart>;
-    Vector part = _mm512_permutexvar_epi8(_mm512_load_si512(kOrder.f), outer);
-    part = _mm512_mask_permutexvar_epi8(part, static_cast<__mmask64>(kOrder.takes_own),
-                                        _mm512_load_si512(kOrder.own), own);
+    constexpr const auto& kOrder = kSiteOrder<std::uint8_t, kHasRed, kOddSites, kPart>;
+    const Vector part = _mm512_permutex2var_epi8(outer, _mm512_load_si512(kOrder.outer_own), own);
     return _mm512_mask_permutexvar_epi8(part, static_cast<__mmask64>(kOrder.takes_inner),
                                         _mm512_load_si512(kOrder.inner), inner);
   }
@@ -233,23 +261,22 @@ struct Lanes16 {
   static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu16(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm512_slli_epi32(v, 16); }
+  static Vector ToEven(Vector v) { return _mm512_srli_epi32(v, 16); }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0xCA);
   }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    Store(out, Part<kHasRed, 0>(outer, own, inner));
-    Store(out + 64, Part<kHasRed, 1>(outer, own, inner));
-    Store(out + 128, Part<kHasRed, 2>(outer, own, inner));
+    Store(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
+    Store(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
+    Store(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
   }
 
  private:
-  template <bool kHasRed, std::size_t kPart>
+  template <bool kHasRed, bool kOddSites, std::size_t kPart>
   static Vector Part(Vector outer, Vector own, Vector inner) {
-    constexpr const auto& kOrder = kSiteOrder<std::uint16_t, kHasRed, kPart>;
-    Vector part = _mm512_permutexvar_epi16(_mm512_load_si512(kOrder.f), outer);
-    part = _mm512_mask_permutexvar_epi16(part, static_cast<__mmask32>(kOrder.takes_own),
-                                         _mm512_load_si512(kOrder.own), own);
+    constexpr const auto& kOrder = kSiteOrder<std::uint16_t, kHasRed, kOddSites, kPart>;
+    const Vector part = _mm512_permutex2var_epi16(outer, _mm512_load_si512(kOrder.outer_own), own);
     return _mm512_mask_permutexvar_epi16(part, static_cast<__mmask32>(kOrder.takes_inner),
                                          _mm512_load_si512(kOrder.inner), inner);
   }

@@ -14,6 +14,10 @@ inline Vector Load(const std::uint8_t* p) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
 }
 inline void Store(std::uint8_t* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+// Past the cache, to an aligned place.
+inline void StorePast(std::uint8_t* p, Vector v) {
+  _mm_stream_si128(reinterpret_cast<__m128i*>(p), v);
+}
 inline Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm_xor_si128(a, b); }
@@ -23,18 +27,23 @@ inline void LeaveVectorMode() {}
 // mask ? b : a, lane by lane.
 inline Vector Merge(Vector mask, Vector a, Vector b) { return Or(AndNot(mask, a), And(mask, b)); }
 
+// The vector one lane up or down; the lane that has no neighbour takes the reflection
+// about the row's first or last sample.
+template <std::size_t kLaneBytes>
+inline Vector ReflectStart(Vector v) {
+  const Vector second = _mm_slli_si128(v, 16 - 2 * kLaneBytes);
+  return _mm_alignr_epi8(v, second, 16 - kLaneBytes);
+}
+template <std::size_t kLaneBytes>
+inline Vector ReflectEnd(Vector v) {
+  const Vector last_but_one = _mm_srli_si128(v, 16 - 2 * kLaneBytes);
+  return _mm_alignr_epi8(last_but_one, v, kLaneBytes);
+}
+
 // The odd bytes of two vectors.
 inline Vector PackHighBytes(Vector low, Vector high) {
   return _mm_packus_epi16(_mm_srli_epi16(low, 8), _mm_srli_epi16(high, 8));
 }
-
-// What stands where in the six values of a pair of pixels: F, the outer vector (0:
-// lane of x, 1: lane of p), or U, own and inner alternately.
-enum class From : std::uint8_t { kF0, kF1, kU0, kU1, kU2, kU3 };
-constexpr From kSitesOfRedRow[6] = {From::kF0, From::kF1, From::kU0,
-                                    From::kU1, From::kU2, From::kU3};
-constexpr From kSitesOfBlueRow[6] = {From::kU0, From::kF1, From::kF0,
-                                     From::kU3, From::kU2, From::kU1};
 
 // Byte orders for the 16-byte output number `part` of 8 x 2 (or 4 x 2) pixels: of F,
 // and of the 16 bytes of U from byte 8 * part on. -128 leaves a nought.
@@ -42,13 +51,14 @@ struct HalfOrder {
   std::int8_t f[16];
   std::int8_t u[16];
 };
-constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, std::size_t part) {
+constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, bool odd_sites,
+                                  std::size_t part) {
   HalfOrder order{};
   for (std::size_t i = 0; i < 16; ++i) {
     const std::size_t lane = (16 * part + i) / lane_bytes;
     const std::size_t byte = i % lane_bytes;
     const std::size_t pair = lane / 6;
-    const From from = (has_red ? kSitesOfRedRow : kSitesOfBlueRow)[lane % 6];
+    const From from = SequenceOf(has_red, odd_sites).values[lane % 6];
     const auto site = static_cast<std::size_t>(from);
     const std::size_t f = (2 * pair + site) * lane_bytes + byte;
     const std::size_t u = (4 * pair + site - 2) * lane_bytes + byte - 8 * part;
@@ -57,20 +67,21 @@ constexpr HalfOrder MakeHalfOrder(std::size_t lane_bytes, bool has_red, std::siz
   }
   return order;
 }
-template <std::size_t kLaneBytes, bool kHasRed, std::size_t kPart>
-constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kPart);
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, std::size_t kPart>
+constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kOddSites, kPart);
 
 // Interleaves F with U, whose bytes stand in `low` and `high`.
-template <std::size_t kLaneBytes, bool kHasRed>
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites>
 inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector high) {
   const auto part = [f](Vector u, const HalfOrder& order) {
     const Vector from_f = _mm_shuffle_epi8(f, Load(reinterpret_cast<const std::uint8_t*>(order.f)));
     const Vector from_u = _mm_shuffle_epi8(u, Load(reinterpret_cast<const std::uint8_t*>(order.u)));
     return Or(from_f, from_u);
   };
-  Store(out, part(low, kHalfOrder<kLaneBytes, kHasRed, 0>));
-  Store(out + 16, part(_mm_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, 1>));
-  Store(out + 32, part(high, kHalfOrder<kLaneBytes, kHasRed, 2>));
+  Store(out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>));
+  Store(out + 16,
+        part(_mm_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>));
+  Store(out + 32, part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
 }
 
 // Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
@@ -187,13 +198,14 @@ struct Lanes8 {
   static Vector MeanUp(Vector a, Vector b) { return _mm_avg_epu8(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm_slli_epi16(v, 8); }
+  static Vector ToEven(Vector v) { return _mm_srli_epi16(v, 8); }
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi16(static_cast<short>(0xFF00)), even, odd);
   }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed>(out, outer, _mm_unpacklo_epi8(own, inner),
-                                           _mm_unpackhi_epi8(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm_unpacklo_epi8(own, inner),
+                                                      _mm_unpackhi_epi8(own, inner));
   }
 
  private:
@@ -226,13 +238,14 @@ struct Lanes16 {
   static Vector MeanUp(Vector a, Vector b) { return _mm_avg_epu16(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm_slli_epi32(v, 16); }
+  static Vector ToEven(Vector v) { return _mm_srli_epi32(v, 16); }
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi32(static_cast<int>(0xFFFF0000u)), even, odd);
   }
-  template <bool kHasRed>
+  template <bool kHasRed, bool kOddSites = false>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed>(out, outer, _mm_unpacklo_epi16(own, inner),
-                                           _mm_unpackhi_epi16(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm_unpacklo_epi16(own, inner),
+                                                      _mm_unpackhi_epi16(own, inner));
   }
 
  private:
