@@ -61,8 +61,19 @@ struct BilinearCode : CodeBase<Form> {
                                         : kernels.bilinear_two_portable.wide;
     }
   }
-  // The portable routine forms them within pairs of rows instead.
+  // The portable routine forms the first and last pixel within pairs of rows instead.
   bool TwoRowsEnds() const { return rounding != Rounding::kPortable; }
+  void Ends(std::size_t y, std::uint8_t* out) const {
+    const RowKind kind = Kind(y);
+    const std::uint8_t* row = frame.SourceRow(y);
+    const std::uint8_t* partner = PartnerRow(frame, y);
+    const std::size_t last = frame.width - 1;
+    const auto pixel = [&](std::size_t x, std::size_t neighbour) {
+      return ToRgb(kind, InnerEdgeColumnPixel<Form>(row, partner, kind.IsGreen(x), x, neighbour));
+    };
+    StorePixel<Form>(out, 0, pixel(0, 1));
+    StorePixel<Form>(out, last, pixel(last, last - 1));
+  }
 
   void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = Kind(y);

@@ -76,24 +76,30 @@ RolePixel EdgeRowPixel(const std::uint8_t* row, const std::uint8_t* partner, boo
 }
 
 // A pixel of the first or last column: one neighbouring row, one neighbouring column.
-// In a frame of one row or column the missing neighbour is the row or column itself,
-// which has no green to give at this site.
 template <typename Form>
-RolePixel EdgeColumnPixel(const std::uint8_t* row, const std::uint8_t* partner, bool is_green,
-                          std::size_t x, std::size_t neighbour) {
+RolePixel InnerEdgeColumnPixel(const std::uint8_t* row, const std::uint8_t* partner, bool is_green,
+                               std::size_t x, std::size_t neighbour) {
   const Sample own = Form::Load(row, x);
   const Sample beside = Form::Load(row, neighbour);
   const Sample across = Form::Load(partner, x);
   if (is_green) {
     return {beside, own, across};
   }
-  Sample green = Mean(beside, across);
-  if (partner == row) {
-    green = beside;
-  } else if (neighbour == x) {
-    green = across;
+  return {own, Mean(beside, across), Form::Load(partner, neighbour)};
+}
+
+// The same where the frame may have one row or column: the missing neighbour is the row
+// or column itself, which has no green to give at this site.
+template <typename Form>
+RolePixel EdgeColumnPixel(const std::uint8_t* row, const std::uint8_t* partner, bool is_green,
+                          std::size_t x, std::size_t neighbour) {
+  RolePixel pixel = InnerEdgeColumnPixel<Form>(row, partner, is_green, x, neighbour);
+  if (!is_green && partner == row) {
+    pixel.green = Form::Load(row, neighbour);
+  } else if (!is_green && neighbour == x) {
+    pixel.green = Form::Load(partner, x);
   }
-  return {own, green, Form::Load(partner, neighbour)};
+  return pixel;
 }
 
 // Rows are taken in pairs, and the first and last pixel of a row is formed within

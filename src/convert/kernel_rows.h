@@ -23,6 +23,7 @@ namespace ormidex::convert {
 // and may add
 //   TwoRowsKernel TwoRows(const Kernels&)  the kernel for two interior rows
 //   bool TwoRowsEnds()                     its first and last columns are right, too
+//   void Ends(y, out)                      the scalar formulas for them
 template <typename Form>
 struct CodeBase {
   Frame<Form> frame;
@@ -125,7 +126,7 @@ class RowDrive {
   std::uint8_t* Out(std::size_t y) const { return code_.Out(y) + begin_ * Code::kOutBytes; }
 
   std::size_t OneRow(std::size_t y) {
-    std::uint8_t* const out = target_.Begin(Out(y), 0);
+    std::uint8_t* const out = target_.Begin(Out(y), 1);
     const RowJob job = JobFor(y, out);
     ColumnSpan done = code_.Kernel(kernels_, y)(job);
     for (const Kernels* lower = LowerTier(&kernels_); done.begin == done.end && lower != nullptr;
@@ -140,7 +141,7 @@ class RowDrive {
     const std::size_t left_end = any ? std::clamp(valid_begin, begin_, end_) : end_;
     Pixels(y, begin_, left_end, out);
     Pixels(y, any ? std::clamp(valid_end, left_end, end_) : end_, end_, out);
-    target_.Finish(Out(y), 0);
+    target_.Finish();
     return 1;
   }
 
@@ -166,13 +167,10 @@ class RowDrive {
 
   void FinishTwoRows(std::size_t y, const TwoRowsJob& job) {
     if (!code_.TwoRowsEnds()) {
-      for (const std::size_t column : {std::size_t{0}, end_ - 1}) {
-        Pixels(y, column, column + 1, job.out);
-        Pixels(y + 1, column, column + 1, job.out_below);
-      }
+      code_.Ends(y, job.out);
+      code_.Ends(y + 1, job.out_below);
     }
-    target_.Finish(Out(y), 0);
-    target_.Finish(Out(y + 1), 1);
+    target_.Finish();
   }
 
   // `out` is the place of column `begin_`.
@@ -188,8 +186,8 @@ class RowDrive {
     job.row = rows_.Row(y);
     job.below = rows_.Row(y + 1);
     job.below2 = rows_.Row(y + 2);
-    job.out = target_.Begin(Out(y), 0);
-    job.out_below = target_.Begin(Out(y + 1), 1);
+    job.out_below = target_.Begin(Out(y + 1), 2);
+    job.out = job.out_below + target_.row_bytes();
     if (target_.prefetches() && y + 3 < code_.Rows()) {
       job.next_out = Out(y + 2);
       job.next_out_below = Out(y + 3);

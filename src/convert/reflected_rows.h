@@ -112,9 +112,9 @@ class ReflectedDrive {
   // green, and a last one that is not, have half of their pair outside of the strip.
   void Row(std::size_t y) {
     std::uint8_t* const place = code_.Out(y) + begin_ * Code::kOutBytes;
-    std::uint8_t* const out = target_.Begin(place, 0);
+    std::uint8_t* const out = target_.Begin(place, 1);
     Columns(y, out);
-    target_.Finish(place, 0);
+    target_.Finish();
   }
 
   void Columns(std::size_t y, std::uint8_t* out) {

@@ -17,9 +17,9 @@ inline constexpr std::size_t kPrefetchFromBytes = std::size_t{8} << 20;
 // caches is no guide, so both sizes are fixed.
 inline constexpr std::size_t kStreamFromBytes = std::size_t{24} << 20;
 
-// Hands out the place of a row, or of two neighbouring ones. The rows of a very large
-// image are made in a buffer first and copied past the caches when they are complete:
-// such stores need aligned places, which the rows of an image seldom are.
+// Hands out the places of rows. Those of a very large image are made in a buffer first
+// and copied past the caches when they are complete: such stores need aligned places,
+// which rows seldom have.
 class RowTarget {
  public:
   // Columns before and after what belongs to a row are written, too.
@@ -39,24 +39,38 @@ class RowTarget {
     }
   }
 
-  // Where to write what belongs at `out`; `slot` is 0, or 1 for the second of two rows.
-  std::uint8_t* Begin(std::uint8_t* out, std::size_t slot) { return streams_ ? rows_[slot] : out; }
-  void Finish(std::uint8_t* out, std::size_t slot) {
+  // Where to write `rows` rows, one or two, that belong at `out` one after the other.
+  std::uint8_t* Begin(std::uint8_t* out, std::size_t rows) {
+    if (!streams_) {
+      return out;
+    }
+    out_ = out;
+    bytes_ = rows * row_bytes_;
+    // The lines that the ends share with other rows go through the cache: wanted soon.
+    __builtin_prefetch(out, 1);
+    __builtin_prefetch(out + bytes_ - 1, 1);
+    return rows_;
+  }
+  // What was begun is complete.
+  void Finish() {
     if (streams_) {
-      kernels_.stream_bytes(rows_[slot], row_bytes_, out);
+      kernels_.stream_bytes(rows_, bytes_, out_);
     }
   }
   bool prefetches() const { return prefetches_; }
+  std::size_t row_bytes() const { return row_bytes_; }
 
  private:
-  // Two rows of 4096 pixels of 6 bytes.
+  // A row of 4096 pixels of 6 bytes.
   static constexpr std::size_t kRowBytes = 24576;
 
   const Kernels& kernels_;
   std::size_t row_bytes_;
   bool streams_;
   bool prefetches_;
-  alignas(64) std::uint8_t rows_[2][kRowBytes];
+  std::uint8_t* out_ = nullptr;
+  std::size_t bytes_ = 0;
+  alignas(64) std::uint8_t rows_[2 * kRowBytes];
 };
 
 }  // namespace ormidex::convert
