@@ -1,4 +1,5 @@
 #include "convert/convert.h"
+#include "convert/row_target.h"
 #include "convert/samples.h"
 #include "convert/tiers.h"
 
@@ -11,8 +12,11 @@ template <typename Form>
 void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
   const Kernels* kernels = KernelsOf(ActiveTier());
   if (kernels != nullptr) {
-    for (std::size_t y = 0; y < frame.height; ++y) {
-      (kernels->*kernel)(frame.SourceRow(y), frame.width, frame.ImageRow(y));
+    // From the bottom row on: the image is then written from its first byte to its last.
+    RowTarget target(*kernels, 0, 3 * frame.width);
+    for (std::size_t y = frame.height; y-- > 0;) {
+      (kernels->*kernel)(frame.SourceRow(y), frame.width, target.Begin(frame.ImageRow(y), 1));
+      target.Finish();
     }
     return;
   }

@@ -1,8 +1,10 @@
 // Codes 3, 4 and 18: a green plane first, then red and blue by colour differences.
 #include <algorithm>
+#include <type_traits>
 
 #include "convert/mosaic.h"
 #include "convert/neighbourhood.h"
+#include "convert/plane_drive.h"
 #include "convert/reflected_rows.h"
 #include "convert/routines.h"
 #include "platform/memory.h"
@@ -11,43 +13,17 @@ namespace ormidex::convert {
 namespace {
 
 struct EdgeEstimate {
-  static constexpr RowKernels Kernels::*kPlaneKernels = &Kernels::own_directed_plane;
+  static constexpr RowKernels Kernels::*kDifferences = &Kernels::own_directed_differences;
   static Sample Green(const Neighbourhood& around, Sample) {
     return OwnColourDirectedGreen(around.Greens(), around.Own());
   }
 };
 
 struct LaplacianEstimate {
-  static constexpr RowKernels Kernels::*kPlaneKernels = &Kernels::gradient_plane;
+  static constexpr RowKernels Kernels::*kDifferences = &Kernels::gradient_differences;
   static Sample Green(const Neighbourhood& around, Sample max) {
     return LaplacianGreen(around.Greens(), around.Own(), max);
   }
-};
-
-// One value a pixel, in rows without padding. As much memory as the frame has is taken
-// and, of a 16-bit frame for a 24-bit image, only its first half used.
-template <typename Form>
-class GreenPlane {
- public:
-  explicit GreenPlane(const Frame<Form>& frame)
-      : width_(frame.width),
-        memory_(platform::Buffer::Uncleared(frame.width * frame.height * Form::kSampleBytes)) {}
-
-  explicit operator bool() const { return static_cast<bool>(memory_); }
-  std::uint8_t* Row(std::size_t y) const {
-    return memory_.Bytes() + y * width_ * Form::kChannelBytes;
-  }
-  Sample At(std::size_t x, std::size_t y) const {
-    if constexpr (Form::kChannelBytes == 1) {
-      return Row(y)[x];
-    } else {
-      return Form::Load(Row(y), x);
-    }
-  }
-
- private:
-  std::size_t width_;
-  platform::Buffer memory_;
 };
 
 template <typename Form, typename Estimate>
@@ -90,51 +66,54 @@ RolePixel ColourPixel(const Neighbourhood& raw, const Neighbourhood& greens, boo
   return {raw.At(0, 0), green, estimate(differences.Diagonal())};
 }
 
-template <typename Estimate>
-struct PlanePass {
-  template <typename Form>
-  struct Code : CodeBase<Form> {
-    using CodeBase<Form>::frame;
-    static constexpr std::size_t kOutBytes = Form::kChannelBytes;
+// `green_at(x, y)` is the green plane's value.
+template <typename Form, typename GreenAtPlace>
+void StoreColours(const Frame<Form>& frame, std::size_t x, std::size_t y,
+                  const GreenAtPlace& green_at, std::uint8_t* out) {
+  const RowKind kind = KindOfRow(kFixedPhase, y);
+  Neighbourhood greens;
+  static_cast<void>(ReadNeighbourhood(frame.width, frame.height, x, y, green_at, greens));
+  const Neighbourhood raw = NeighbourhoodAt(frame, x, y);
+  StorePixel<Form>(out, 0, ToRgb(kind, ColourPixel<Form>(raw, greens, kind.IsGreen(x))));
+}
 
-    std::uint8_t* Out(std::size_t y) const { return plane.Row(y); }
-    RowKernel Kernel(const Kernels& kernels, std::size_t) const {
-      return this->OfForm(kernels.*Estimate::kPlaneKernels);
-    }
+// For the drive: single sites and pixels, where a plane is not at hand.
+template <typename Form, typename Estimate>
+struct PlaneCode {
+  static constexpr RowKernels Kernels::*kDifferences = Estimate::kDifferences;
 
-    void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
-      for (std::size_t x = begin; x < end; ++x) {
-        Form::Store(out, x - begin, GreenAt<Form, Estimate>(frame, x, y));
-      }
-    }
-
-    const GreenPlane<Form>& plane;
-  };
-};
-
-template <typename Form>
-struct ColourPass : CodeBase<Form> {
-  using CodeBase<Form>::frame;
-
-  const std::uint8_t* GreenRow(std::size_t y) const { return plane.Row(y); }
-  RowKernel Kernel(const Kernels& kernels, std::size_t) const {
-    return this->OfForm(kernels.colour);
+  std::int32_t Difference(std::size_t x, std::size_t y) const {
+    return static_cast<std::int32_t>(frame.At(x, y)) -
+           static_cast<std::int32_t>(GreenAt<Form, Estimate>(frame, x, y));
+  }
+  void Pixel(std::size_t x, std::size_t y, std::uint8_t* out) const {
+    const auto green_at = [this](std::size_t column, std::size_t row) {
+      return GreenAt<Form, Estimate>(frame, column, row);
+    };
+    StoreColours(frame, x, y, green_at, out);
   }
 
-  void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
-    const RowKind kind = this->Kind(y);
-    const auto plane_at = [this](std::size_t x, std::size_t row) { return plane.At(x, row); };
-    for (std::size_t x = begin; x < end; ++x) {
-      Neighbourhood greens;
-      static_cast<void>(ReadNeighbourhood(frame.width, frame.height, x, y, plane_at, greens));
-      const Neighbourhood raw = NeighbourhoodAt(frame, x, y);
-      StorePixel<Form>(out, x - begin,
-                       ToRgb(kind, ColourPixel<Form>(raw, greens, kind.IsGreen(x))));
+  Frame<Form> frame;
+};
+
+// Without vectors: the whole plane first, a value a pixel in rows without padding.
+template <typename Form, typename Estimate>
+void ConvertByWholePlane(const Frame<Form>& frame, std::uint8_t* plane) {
+  constexpr std::size_t kChannelBytes = Form::kChannelBytes;
+  const auto row_of = [&](std::size_t y) { return plane + y * frame.width * kChannelBytes; };
+  for (std::size_t y = 0; y < frame.height; ++y) {
+    for (std::size_t x = 0; x < frame.width; ++x) {
+      Form::Store(row_of(y), x, GreenAt<Form, Estimate>(frame, x, y));
     }
   }
-
-  const GreenPlane<Form>& plane;
-};
+  using PlaneForm = std::conditional_t<kChannelBytes == 1, Form8To24, Form>;
+  const auto green_at = [&](std::size_t x, std::size_t y) { return PlaneForm::Load(row_of(y), x); };
+  for (std::size_t y = 0; y < frame.height; ++y) {
+    for (std::size_t x = 0; x < frame.width; ++x) {
+      StoreColours(frame, x, y, green_at, frame.ImageRow(y) + x * 3 * kChannelBytes);
+    }
+  }
+}
 
 template <typename Form>
 struct GreyLaplacianCode : CodeBase<Form> {
@@ -152,26 +131,25 @@ struct GreyLaplacianCode : CodeBase<Form> {
   }
 };
 
-constexpr std::size_t kBandRows = 32;
-
+// As much memory as the frame has is claimed, although the kernels touch a few rows of
+// it only: where it cannot be had these codes fail, whatever the processor.
 template <typename Form, typename Estimate>
 Status ConvertByPlane(const Frame<Form>& frame) {
-  const GreenPlane<Form> plane(frame);
-  if (!plane) {
+  using Code = PlaneCode<Form, Estimate>;
+  using Drive = PlaneDrive<Form, Code>;
+  const std::size_t plane_bytes = frame.width * frame.height * Form::kSampleBytes;
+  const auto memory =
+      platform::Buffer::Uncleared(std::max(plane_bytes, Drive::MemoryBytes(frame.width)));
+  if (!memory) {
     return kOutOfMemory;
   }
-  using PlaneCode = typename PlanePass<Estimate>::template Code<Form>;
-  const PlaneCode plane_pass{{frame}, plane};
-  const ColourPass<Form> colour_pass{{frame}, plane};
-  // The passes take turns, so that the plane's rows are still in the cache when they
-  // are read; the second looks at one row below and copies another ahead.
-  std::size_t planned = 0;
-  for (std::size_t top = 0; top < frame.height; top += kBandRows) {
-    const std::size_t bottom = std::min(top + kBandRows, frame.height);
-    const std::size_t plane_bottom = std::min(bottom + 2, frame.height);
-    DriveReflected<Form, PlanePass<Estimate>::template Code>(plane_pass, planned, plane_bottom);
-    DriveReflected(colour_pass, top, bottom);
-    planned = plane_bottom;
+  // In a frame of one row the neighbouring rows are the row itself, sites and all.
+  const Kernels* kernels = KernelsForWidth<Form>(frame.width);
+  if (kernels == nullptr || frame.height < 2) {
+    ConvertByWholePlane<Form, Estimate>(frame, memory.Bytes());
+  } else {
+    const Code code{frame};
+    Drive(code, *kernels, memory.Bytes()).Run();
   }
   return kOk;
 }

@@ -44,10 +44,12 @@ extern const Kernels kAvx2Kernels = {
     .edge_bilinear_edge = {EdgeBilinearEdgeRow<Lanes8>, EdgeBilinearEdgeRow<Lanes16>},
     .grey_edge = {GreyEdgeRow<Lanes8>, GreyEdgeRow<Lanes16>},
     .grey_edge_edge = {GreyEdgeEdgeRow<Lanes8>, GreyEdgeEdgeRow<Lanes16>},
-    .own_directed_plane = {OwnDirectedPlaneRow<Lanes8>, OwnDirectedPlaneRow<Lanes16>},
-    .gradient_plane = {GradientPlaneRow<Lanes8>, GradientPlaneRow<Lanes16>},
+    .own_directed_differences = {OwnDirectedDifferencesRow<Lanes8>,
+                                 OwnDirectedDifferencesRow<Lanes16>},
+    .gradient_differences = {GradientDifferencesRow<Lanes8>, GradientDifferencesRow<Lanes16>},
+    .colour_narrow = ColourRow<Lanes8>,
+    .colour_wide = ColourRow<Lanes16>,
     .grey_gradient = {GreyGradientRow<Lanes8>, GreyGradientRow<Lanes16>},
-    .colour = {ColourRow<Lanes8>, ColourRow<Lanes16>},
     .variable_gradients = {VariableGradientsRow<Lanes8>, VariableGradientsRow<Lanes16>},
 };
 

@@ -22,10 +22,6 @@ struct RowJob {
   const std::uint8_t* row;
   const std::uint8_t* below;
   const std::uint8_t* below2;
-  // Rows of the green plane, where a kernel works on it.
-  const std::uint8_t* green_above;
-  const std::uint8_t* green_row;
-  const std::uint8_t* green_below;
   std::uint8_t* out;
   // The output row that will be written next, to be fetched into the cache while
   // this one is computed, or null where the image is small enough to be there.
@@ -39,6 +35,21 @@ struct RowJob {
   bool has_margin;
 };
 
+// A row for codes 3 and 4's second pass: its samples, and for each pair of columns the
+// difference between the sample and green at the pair's red or blue site, in twice the
+// samples' width, of the row itself and of its neighbours. One difference before the
+// first and after the last is read.
+struct ColourJob {
+  const std::uint8_t* row;
+  const std::uint8_t* differences_above;
+  const std::uint8_t* differences;
+  const std::uint8_t* differences_below;
+  std::uint8_t* out;
+  const std::uint8_t* next_out;
+  std::size_t width;
+  bool has_red;
+};
+
 // The columns that a kernel wrote.
 struct ColumnSpan {
   std::size_t begin;
@@ -46,6 +57,7 @@ struct ColumnSpan {
 };
 
 using RowKernel = ColumnSpan (*)(const RowJob& job);
+using ColourKernel = ColumnSpan (*)(const ColourJob& job);
 
 // Two neighbouring interior rows of a mosaic, which share most of what they need. The
 // first sample of `row` is red or blue, of `below` green; the width is even. No sample
@@ -124,10 +136,14 @@ struct Kernels {
   RowKernels edge_bilinear_edge;  //   its first and last rows
   RowKernels grey_edge;           // code 17
   RowKernels grey_edge_edge;      //   its first and last rows
-  RowKernels own_directed_plane;  // code 3, green plane; `out` is a plane's row
-  RowKernels gradient_plane;      // code 4, green plane
+  // Kernels of the codes that reflect the frame. They need samples before the first
+  // column and after the last in all rows, and write all columns but the last of an odd
+  // width. Phase 0 only: rows with red start with it.
+  RowKernels own_directed_differences;  // code 3; `out` is a row of differences
+  RowKernels gradient_differences;      // code 4, the same
+  ColourKernel colour_narrow;           // codes 3 and 4, from samples and differences
+  ColourKernel colour_wide;
   RowKernels grey_gradient;       // code 18
-  RowKernels colour;              // codes 3 and 4, from raw rows and green rows
   RowKernels variable_gradients;  // code 5
 };
 
