@@ -115,7 +115,8 @@ class RowDrive {
   void Run() {
     std::size_t y = 0;
     while (y < code_.Rows()) {
-      y += TwoRows(y) ? 2 : OneRow(y);
+      const std::size_t paired = PairsOfRows(y);
+      y += paired > 0 ? paired : OneRow(y);
     }
   }
 
@@ -145,32 +146,46 @@ class RowDrive {
     return 1;
   }
 
-  // False where the code has no such kernel or the rows do not suit it.
-  bool TwoRows(std::size_t y) {
+  // The number of rows from y on that were made in pairs: none where the code has no
+  // such kernel or the rows do not suit it.
+  std::size_t PairsOfRows(std::size_t y) {
     if constexpr (requires { code_.TwoRows(kernels_); }) {
       const std::size_t width = code_.frame.width;
       const bool interior = y >= 1 && y + 2 < code_.frame.height;
       const bool whole_rows = rows_.IsWholeRows() && end_ == width && width % 2 == 0;
       if (!interior || !whole_rows || code_.Kind(y).starts_green) {
-        return false;
+        return 0;
       }
       const TwoRowsJob job = TwoRowsJobFor(y);
       for (const Kernels* kernels = &kernels_; kernels != nullptr; kernels = LowerTier(kernels)) {
         if (code_.TwoRows(*kernels)(job)) {
-          FinishTwoRows(y, job);
-          return true;
+          FinishPairs(y, job);
+          return 2 * job.pairs;
         }
       }
     }
-    return false;
+    return 0;
   }
 
-  void FinishTwoRows(std::size_t y, const TwoRowsJob& job) {
+  void FinishPairs(std::size_t y, const TwoRowsJob& job) {
     if (!code_.TwoRowsEnds()) {
-      code_.Ends(y, job.out);
-      code_.Ends(y + 1, job.out_below);
+      std::uint8_t* out_below = job.out_below;
+      for (std::size_t pair = 0; pair < job.pairs; ++pair, out_below += job.out_step) {
+        code_.Ends(y + 2 * pair, out_below + target_.row_bytes());
+        code_.Ends(y + 2 * pair + 1, out_below);
+      }
     }
     target_.Finish();
+  }
+
+  // Pairs that one call may do: all in a frame that is read where it stands and written
+  // where it belongs, but few where the ends are done afterwards, for the cache's sake.
+  std::size_t PairsFrom(std::size_t y) const {
+    if (!rows_.HasMargin() || target_.streams()) {
+      return 1;
+    }
+    const std::size_t all = (code_.frame.height - 1 - y) / 2;
+    return code_.TwoRowsEnds() ? all : std::min<std::size_t>(all, 8);
   }
 
   // `out` is the place of column `begin_`.
@@ -194,6 +209,9 @@ class RowDrive {
     }
     job.width = code_.frame.width;
     job.has_red = code_.Kind(y).has_red;
+    job.pairs = PairsFrom(y);
+    job.rows_step = 2 * (job.below - job.row);
+    job.out_step = 2 * (job.out_below - job.out);
     return job;
   }
 

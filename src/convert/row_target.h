@@ -57,6 +57,7 @@ class RowTarget {
       kernels_.stream_bytes(rows_, bytes_, out_);
     }
   }
+  bool streams() const { return streams_; }
   bool prefetches() const { return prefetches_; }
   std::size_t row_bytes() const { return row_bytes_; }
 

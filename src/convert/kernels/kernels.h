@@ -74,6 +74,11 @@ struct TwoRowsJob {
   const std::uint8_t* next_out_below;
   std::size_t width;
   bool has_red;
+  // How many such pairs of rows follow one another, and how far on the next one's rows
+  // and places are.
+  std::size_t pairs;
+  std::ptrdiff_t rows_step;
+  std::ptrdiff_t out_step;
 };
 
 // False, and nothing written, where the rows are too narrow for the tier.
