@@ -207,6 +207,7 @@ class RowDrive {
       job.next_out = Out(y + 2);
       job.next_out_below = Out(y + 3);
     }
+    job.stream = target_.stream();
     job.width = code_.frame.width;
     job.has_red = code_.Kind(y).has_red;
     job.pairs = PairsFrom(y);
@@ -227,6 +228,7 @@ class RowDrive {
     job.next_out = target_.prefetches() && y + 1 < code_.Rows()
                        ? Out(y + 1) - (begin_ - first) * Code::kOutBytes
                        : nullptr;
+    job.stream = target_.stream();
     job.width = std::min(rows_.Width(), code_.Columns() - first);
     job.has_red = kind.has_red;
     job.starts_green = kind.IsGreen(first);

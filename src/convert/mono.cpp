@@ -6,16 +6,18 @@
 namespace ormidex::convert {
 namespace {
 
-using GreyKernel = void (*)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+using GreyKernel = void (*)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
+                            Stream* stream);
 
 template <typename Form>
 void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
   const Kernels* kernels = KernelsOf(ActiveTier());
   if (kernels != nullptr) {
     // From the bottom row on: the image is then written from its first byte to its last.
-    RowTarget target(*kernels, 0, 3 * frame.width);
+    RowTarget target(*kernels, 3 * frame.width * frame.height, 3 * frame.width);
     for (std::size_t y = frame.height; y-- > 0;) {
-      (kernels->*kernel)(frame.SourceRow(y), frame.width, target.Begin(frame.ImageRow(y), 1));
+      std::uint8_t* const out = target.Begin(frame.ImageRow(y), 1);
+      (kernels->*kernel)(frame.SourceRow(y), frame.width, out, target.stream());
       target.Finish();
     }
     return;

@@ -2,8 +2,10 @@
 #ifndef ORMIDEX_CONVERT_ROW_TARGET_H_
 #define ORMIDEX_CONVERT_ROW_TARGET_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "convert/tiers.h"
 
@@ -11,15 +13,15 @@ namespace ormidex::convert {
 
 // From this size on an image does not stay in a processor core's caches between its
 // rows, and the next output row is fetched while one is computed.
-inline constexpr std::size_t kPrefetchFromBytes = std::size_t{8} << 20;
+inline constexpr std::size_t kPrefetchFromBytes = std::size_t{6} << 20;
 // From this size on it does not stay in any cache: fetching its lines only to overwrite
 // them costs more than writing past the caches. What a virtual machine says of its
 // caches is no guide, so both sizes are fixed.
 inline constexpr std::size_t kStreamFromBytes = std::size_t{24} << 20;
 
 // Hands out the places of rows. Those of a very large image are made in a buffer first
-// and copied past the caches when they are complete: such stores need aligned places,
-// which rows seldom have.
+// and moved past the caches while the next ones are made: such stores need aligned
+// places, which rows seldom have.
 class RowTarget {
  public:
   // Columns before and after what belongs to a row are written, too.
@@ -35,6 +37,7 @@ class RowTarget {
   RowTarget& operator=(const RowTarget&) = delete;
   ~RowTarget() {
     if (streams_) {
+      EndStream();
       kernels_.end_stream();
     }
   }
@@ -49,14 +52,18 @@ class RowTarget {
     // The lines that the ends share with other rows go through the cache: wanted soon.
     __builtin_prefetch(out, 1);
     __builtin_prefetch(out + bytes_ - 1, 1);
-    return rows_;
+    return rows_[slot_];
   }
   // What was begun is complete.
   void Finish() {
     if (streams_) {
-      kernels_.stream_bytes(rows_, bytes_, out_);
+      EndStream();
+      StartStream();
+      slot_ = 1 - slot_;
     }
   }
+  // For the kernels, to move on while they work; or null.
+  Stream* stream() { return streams_ ? &stream_ : nullptr; }
   bool streams() const { return streams_; }
   bool prefetches() const { return prefetches_; }
   std::size_t row_bytes() const { return row_bytes_; }
@@ -64,6 +71,21 @@ class RowTarget {
  private:
   // A row of 4096 pixels of 6 bytes.
   static constexpr std::size_t kRowBytes = 24576;
+  static constexpr std::size_t kAlignment = 64;
+
+  void StartStream() {
+    const std::size_t head =
+        std::min(bytes_, (0 - reinterpret_cast<std::uintptr_t>(out_)) % kAlignment);
+    std::memcpy(out_, rows_[slot_], head);
+    stream_ = {rows_[slot_] + head, out_ + head, bytes_ - head};
+  }
+  // What the kernels left of it.
+  void EndStream() {
+    if (stream_.bytes > 0) {
+      kernels_.stream_bytes(stream_.from, stream_.bytes, stream_.to);
+    }
+    stream_.bytes = 0;
+  }
 
   const Kernels& kernels_;
   std::size_t row_bytes_;
@@ -71,7 +93,11 @@ class RowTarget {
   bool prefetches_;
   std::uint8_t* out_ = nullptr;
   std::size_t bytes_ = 0;
-  alignas(64) std::uint8_t rows_[2 * kRowBytes];
+  std::size_t slot_ = 0;
+  Stream stream_{};
+  // Half a page apart: a load looks like it depended on a store at the same place of
+  // another page.
+  alignas(kAlignment) std::uint8_t rows_[2][2 * kRowBytes + 2048];
 };
 
 }  // namespace ormidex::convert

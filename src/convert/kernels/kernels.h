@@ -15,6 +15,15 @@
 
 namespace ormidex::convert {
 
+// A finished row on its way to memory, past the caches, while the next one is made: the
+// two take their turns in small steps, so that neither waits for the other. `to` is
+// aligned to 64 bytes; `bytes` are left. A kernel moves whole vectors of it.
+struct Stream {
+  const std::uint8_t* from;
+  std::uint8_t* to;
+  std::size_t bytes;
+};
+
 // One row of a mosaic. Rows two away are there for the kernels that look so far.
 struct RowJob {
   const std::uint8_t* above2;
@@ -26,6 +35,7 @@ struct RowJob {
   // The output row that will be written next, to be fetched into the cache while
   // this one is computed, or null where the image is small enough to be there.
   const std::uint8_t* next_out;
+  Stream* stream;  // or null
   std::size_t width;
   bool has_red;
   bool starts_green;
@@ -46,6 +56,7 @@ struct ColourJob {
   const std::uint8_t* differences_below;
   std::uint8_t* out;
   const std::uint8_t* next_out;
+  Stream* stream;
   std::size_t width;
   bool has_red;
 };
@@ -72,6 +83,7 @@ struct TwoRowsJob {
   // To be fetched into the cache meanwhile, or null.
   const std::uint8_t* next_out;
   const std::uint8_t* next_out_below;
+  Stream* stream;
   std::size_t width;
   bool has_red;
   // How many such pairs of rows follow one another, and how far on the next one's rows
@@ -127,8 +139,10 @@ struct Kernels {
   // High bytes of `count` 16-bit samples: how 24-bit images are made of 16-bit frames.
   void (*high_bytes)(const std::uint8_t* samples, std::size_t count, std::uint8_t* bytes);
   // Each sample, or its high byte, three times.
-  void (*expand_grey8)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
-  void (*expand_grey16)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out);
+  void (*expand_grey8)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
+                       Stream* stream);
+  void (*expand_grey16)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
+                        Stream* stream);
 
   // Corrects the first pixels of an image in place; returns how many.
   std::size_t (*color_correct24)(std::uint8_t* image, std::size_t pixels,
