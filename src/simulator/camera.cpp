@@ -107,7 +107,7 @@ std::uint32_t SimulatedCamera::AttemptOpen() {
     plugged_ = true;
     ++plug_;
   }
-  return plugged_ ? plug_ : 0;
+  return plugged_ && !faults_.RefusesOpening() ? plug_ : 0;
 }
 
 void SimulatedCamera::CancelReads() {

@@ -68,6 +68,7 @@ constexpr FaultForm kForms[] = {
     {"overrun", FaultKind::kOverrun, "?n", device::CAM_IOCTL_READ_COMMAND},
     {"random", FaultKind::kRandom, "v?c", kAnyCode},
     {"unplug", FaultKind::kUnplug, "n?v", kAnyCode},
+    {"busy", FaultKind::kBusy, "?v", kAnyCode},
 };
 
 std::vector<std::string> Split(const std::string& text) {
@@ -136,6 +137,8 @@ void Inflict(const Fault& fault, Misfortune* result) {
       result->unplug = true;
       result->replug_after = fault.value;
       break;
+    case FaultKind::kBusy:
+      break;
   }
 }
 
@@ -189,9 +192,21 @@ bool FaultScript::Applies(Entry& entry, std::uint32_t code) {
 Misfortune FaultScript::Next(std::uint32_t code) {
   Misfortune result;
   for (Entry& entry : entries_) {
-    if (Applies(entry, code)) Inflict(entry.fault, &result);
+    if (entry.fault.kind != FaultKind::kBusy && Applies(entry, code)) {
+      Inflict(entry.fault, &result);
+    }
   }
   return result;
+}
+
+bool FaultScript::RefusesOpening() {
+  bool refused = false;
+  for (Entry& entry : entries_) {
+    if (entry.fault.kind != FaultKind::kBusy) continue;
+    refused = refused || entry.fault.value == 0 || entry.seen < entry.fault.value;
+    ++entry.seen;
+  }
+  return refused;
 }
 
 }  // namespace ormidex::simulator

@@ -17,6 +17,7 @@ enum class FaultKind {
   kOverrun,  // a command read reports more bytes than were asked for
   kRandom,   // the driver fails value requests in a thousand, drawn from the seed
   kUnplug,   // the camera is pulled; plugged in again after value further attempts
+  kBusy,     // the first value openings are refused, or all of them
 };
 
 inline constexpr std::uint32_t kAnyCode = 0;
@@ -54,6 +55,10 @@ class FaultScript {
 
   // Called once for each request, in order.
   Misfortune Next(std::uint32_t code);
+
+  // Called once for each opening: whether it is refused, as while another program
+  // holds the camera.
+  bool RefusesOpening();
 
  private:
   struct Entry {

@@ -127,6 +127,20 @@ TEST(Faults, RandomOnesAreTheSameForTheSameSeed) {
   EXPECT_LT(failures, 160);
 }
 
+TEST(Faults, ABusyCameraIsListedAndNotOpened) {
+  const auto simulator = MakeSimulator("fault=busy;fault=busy:2");
+  PathCollector collector;
+  simulator->Enumerate(collector);
+  ASSERT_EQ(collector.paths.size(), 2u);
+  for (int attempt = 1; attempt <= 3; ++attempt) {
+    const auto open = [&](std::size_t index) {
+      return simulator->Open(collector.paths[index].c_str(), device::DriverShare::kShared);
+    };
+    EXPECT_EQ(open(0), nullptr);
+    EXPECT_EQ(open(1) != nullptr, attempt == 3);
+  }
+}
+
 TEST(Faults, AnUnpluggedCameraFailsEveryRequestAndIsNotListed) {
   const auto simulator = MakeSimulator("1");
   DriverClient client(*simulator);
