@@ -19,7 +19,7 @@ _ormidex() {
     set) options="$options --save --json" ;;
     list) options="--simulate --json" ;;
     info) options="$options --json" ;;
-    trace) options="$options --compare --frames" ;;
+    trace) options="$options --compare --follow --frames" ;;
     report) options="--simulate --output --force" ;;
     preview) options="$options --algorithm --save-as --seconds --force" ;;
   esac

@@ -6,7 +6,7 @@ set -u
 tool=$1
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-ln -s /dev/full "$folder/full.bmp"
+for ending in bmp tif jpg ppm raw json; do ln -s /dev/full "$folder/full.$ending"; done
 unset ORMIDEX_SIMULATOR ORMIDEX_TRACE DISPLAY
 passed=0
 failed=0
@@ -24,7 +24,7 @@ check() {
     echo "FAILED $name: exit code $got, expected $code: $(cat "$folder/err")"
     failed=$((failed + 1))
   elif [ -n "$pattern" ] && ! grep -qE "$pattern" "$stream"; then
-    echo "FAILED $name: expected /$pattern/, got: $(cat "$stream")"
+    echo "FAILED $name: expected /$pattern/, got: $(head -n 20 "$stream")"
     failed=$((failed + 1))
   else
     passed=$((passed + 1))
@@ -79,8 +79,25 @@ check "statistics" 0 "focus" capture --simulate --statistics -o "$folder/e.bmp"
 check "a TIFF file" 0 "640x480" capture --simulate -o "$folder/e.tif"
 check "a JPEG file" 0 "640x480" capture --simulate -o "$folder/e.jpg"
 check "a still frame" 0 "640x480" capture --simulate --still -o "$folder/still.bmp"
-check "a full disk is noticed" 7 "disk may be full" \
-  capture --simulate --force -o "$folder/full.bmp"
+for ending in bmp tif jpg ppm raw; do
+  check "a full disk is noticed in a $ending file" 7 "disk may be full" \
+    capture --simulate pace=fast --force -o "$folder/full.$ending"
+done
+check "a full disk of a recording's metadata" 7 "metadata are not complete" \
+  record -q --simulate pace=fast -n 2 --force --metadata "$folder/full.json" -o "$folder/f-#.raw"
+check "a full disk of a report" 7 "disk may be full" \
+  report --simulate pace=fast --force -o "$folder/full.json"
+check "a full disk of saved settings" 7 "disk may be full" \
+  set --simulate pace=fast --save "$folder/full.json"
+check_full_output() {
+  "$tool" "$@" > /dev/full 2> "$folder/err"
+  expect "the exit code of '$*' onto a full disk" "$?" 7
+  expect "its sentence" "$(grep -cE 'disk may be full|No space left' "$folder/err")" 1
+}
+check_full_output list --simulate
+check_full_output info --json --simulate
+check_full_output capture --simulate pace=fast -o -
+check_full_output trace --simulate pace=fast
 check "a sequence" 0 "" record --simulate -n 3 -o "$folder/r-####.raw"
 expect "its metadata have a line a frame" "$(wc -l < "$folder/r.jsonl")" 3
 expect "frames are numbered" "$(stat -c %s "$folder/r-0002.raw")" 307200
@@ -100,11 +117,76 @@ check "a trigger that never comes" 5 "check the trigger line" \
 check "auto exposure" 0 "exposure=" auto exposure --simulate light=0.3,pace=fast
 check "white balance" 0 "gain-blue=" auto white-balance --simulate tint=tungsten,pace=fast
 check "a register" 0 "0x50" register read 0x0F --simulate
-check "a trace in words" 0 "START_STREAM 640 x 480" trace --simulate
+check "a camera that another program holds" 4 "another program may hold it" \
+  capture --simulate fault=busy -o "$folder/busy.bmp"
+check "a busy camera among others is left out of no listing unsaid" 4 "camera 1 cannot be opened" \
+  list --simulate "1;fault=busy"
+check "a trace in words" 0 "START_STREAM +<- 640 x 480, 307200 bytes" trace --simulate
+check "a trace names registers and values" 0 \
+  "WRITE_REGISTERS +register 71 \(frame height\) <- 0x01 0xDF" trace --simulate pace=fast
+check "a trace shows what comes back" 0 "READ_REGISTERS +register 15 \(chip\) -> 0x50" \
+  trace --simulate pace=fast
+check "a failed request is marked" 0 "register 0 \(chip\) -> \?  FAILED" \
+  trace --simulate pace=fast
+for name in good again other; do
+  setting=exposure=20
+  [ "$name" != other ] || setting=exposure=10
+  check "a trace is written" 0 "" capture --simulate pace=fast --set "$setting" --force \
+    --trace "$folder/$name.json" -o "$folder/traced.bmp"
+done
+check "a trace is read" 0 "START_STREAM" trace "$folder/good.json"
+check "two runs that are the same" 0 "the same: [0-9]+ requests" \
+  trace "$folder/good.json" --compare "$folder/again.json"
+check "two runs that differ" 1 "the traces differ" \
+  trace "$folder/good.json" --compare "$folder/other.json"
+check "their first difference is shown" 1 "" trace "$folder/good.json" --compare "$folder/other.json"
+expect "as two requests in words" "$(grep -c "register .* <- " "$folder/out")" 2
+check "a file that is no trace" 2 "line 1 is no request" trace "$folder/a.bmp"
+check "a trace that is not there" 2 "cannot be read" trace "$folder/none.json"
+check "a program is traced" 0 "READ_FRAME" \
+  trace --simulate pace=fast -- "$tool" capture --force -o "$folder/traced.bmp"
+check "its failure is passed on" 3 "no camera 7" \
+  trace --simulate -- "$tool" info --camera 7
+check "a program that does not exist" 1 "could not be started" trace -- "$folder/none"
+check "no program" 2 "no program is named" trace --
+check "options that are not for a traced program" 2 "only --simulate and --trace" \
+  trace --set gamma=1 -- true
+check "a program runs with simulated cameras" 0 "^2 .*colour" simulate 3 -- "$tool" list
+check "its exit code is passed on" 9 "" simulate 3 -- sh -c 'exit 9'
+
+# A trace that is followed shows each request while the writer still runs, and ends
+# by an interrupt.
+"$tool" trace --follow "$folder/live.json" > "$folder/followed" &
+follower=$!
+"$tool" record -q --simulate --trace "$folder/live.json" -n 1000 --force \
+  -o "$folder/live-#.raw" &
+writer=$!
+for _ in $(seq 300); do
+  if grep -q READ_FRAME "$folder/followed"; then break; fi
+  sleep 0.1
+done
+expect "requests are shown while the program runs" "$(kill -0 "$writer" && echo live)" live
+kill -INT "$writer"
+wait "$writer" 2> /dev/null
+expect "an interrupted recording is incomplete" "$?" 7
+kill -INT "$follower"
+wait "$follower"
+expect "the follower ends in order" "$?" 0
+expect "it has shown all requests" "$(wc -l < "$folder/followed")" "$(wc -l < "$folder/live.json")"
 check "a description that gives cameras" 0 "gives 3 cameras" simulate "generation=1;2"
 check "the self-test of each kind" 0 "10 passed, 0 failed" selftest --simulate
 check "the self-test of a first generation" 0 "10 passed, 0 failed" \
   selftest --simulate generation=1,imager=mono
+if [ "$(id -u)" = 0 ]; then
+  runs_as="setpriv --reuid=65534 --clear-groups"
+  mkdir "$folder/closed" && chmod 755 "$folder" "$folder/closed"
+else
+  runs_as=""
+  mkdir "$folder/closed" && chmod 555 "$folder/closed"
+fi
+$runs_as "$tool" capture --simulate pace=fast -o "$folder/closed/c.bmp" 2> "$folder/err"
+expect "the exit code without permission to write" "$?" 1
+expect "its sentence" "$(grep -c 'could not be created' "$folder/err")" 1
 check "no display is said" 1 "is there a display" preview --simulate --seconds 1
 check "a folder that does not exist" 1 "could not be created" \
   capture --simulate -o "$folder/none/c.bmp"
@@ -112,6 +194,19 @@ check "a file ending of another kind" 2 "name it" capture --simulate -o "$folder
 check "a missing output file" 2 "required" capture --simulate
 check "a camera unplugged while it streams" 6 "no more frames" \
   capture --simulate "fault=unplug:400" --frames 2000 -o "$folder/c.bmp"
+for command in "register read 0x0F" "auto exposure" "trace" "selftest" "info" "get"; do
+  # shellcheck disable=SC2086  # the words of the command
+  check "no camera for '$command'" 3 "no camera is connected" $command
+done
+check "a camera unplugged before it is used" 6 "still plugged in" \
+  capture --simulate "pace=fast,fault=unplug:150" --frames 500 -o "$folder/u.bmp"
+check "a camera unplugged while it waits for a trigger" 6 "plugged in" \
+  trigger -q --timeout 2 --simulate "trigger=hardware:20,fault=unplug:160" -n 1000 -o "$folder/u-###.raw"
+check "a camera unplugged while the exposure is sought" 6 "plugged in" \
+  auto exposure --simulate "light=0.3,fault=unplug:170"
+check "a frame that does not come" 5 "no frame came in time" \
+  capture --simulate "pace=fast,timeout=200,fault=never" -o "$folder/never.bmp"
+check "an option's value of another kind" 2 "." capture --simulate --frames many -o "$folder/c.bmp"
 check "an unknown option" 2 "not expected" list --frob
 check "an unknown command" 2 "." frob
 check "no command" 2 "subcommand" --

@@ -72,10 +72,10 @@ void RunAuto(const AutoOptions& options, void (*control)(const Camera&, const Au
   const nlohmann::ordered_json settings = ReadAll(camera);
   for (const auto& [name, value] : settings.items()) {
     if (name.rfind("exposure", 0) == 0 || name.rfind("gain", 0) == 0) {
-      std::printf("%s=%s\n", name.c_str(), value.get<std::string>().c_str());
+      fmt::print("{}={}\n", name, value.get<std::string>());
     }
   }
-  Say("mean level %.1f of 255", Measure(frame, geometry).mean);
+  Say("mean level {:.1f} of 255", Measure(frame, geometry).mean);
   if (!options.save.empty()) SaveSettings(camera, options.save);
   if (options.output.empty()) return;
   FrameWriter(camera, geometry, {FormatOf(options.output), ORMIDEX_BILINEAR})

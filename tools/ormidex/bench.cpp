@@ -34,7 +34,7 @@ void BenchCalls(const Camera& camera) {
   const double seconds = MedianSeconds([&] {
     for (int i = 0; i < kCalls; ++i) OrmidexReadRegister(camera.handle(), 0, &value);
   });
-  std::printf("%-28s %10.2f us\n", "register read", seconds / kCalls * 1e6);
+  fmt::print("{:<28} {:10.2f} us\n", "register read", seconds / kCalls * 1e6);
 }
 
 void BenchFrames(Camera& camera, std::vector<unsigned char>& frame, OrmidexUInt32 frames) {
@@ -43,8 +43,8 @@ void BenchFrames(Camera& camera, std::vector<unsigned char>& frame, OrmidexUInt3
   const auto start = std::chrono::steady_clock::now();
   for (OrmidexUInt32 i = 0; i < frames; ++i) camera.ReadFrame(frame);
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-  std::printf("%-28s %10.1f frames/s, %.1f asked\n", "stream", frames / elapsed.count(),
-              camera.FrameRateAsked());
+  fmt::print("{:<28} {:10.1f} frames/s, {:.1f} asked\n", "stream", frames / elapsed.count(),
+             camera.FrameRateAsked());
 }
 
 void BenchConversions(const Camera& camera, const Geometry& geometry,
@@ -53,14 +53,14 @@ void BenchConversions(const Camera& camera, const Geometry& geometry,
   const double megapixels = geometry.width * geometry.height / 1e6;
   if (!camera.IsColour()) {
     const double seconds = MedianSeconds([&] { camera.Convert(frame, geometry, 0, image); });
-    std::printf("%-28s %10.1f Mpixel/s\n", "monochrome expansion", megapixels / seconds);
+    fmt::print("{:<28} {:10.1f} Mpixel/s\n", "monochrome expansion", megapixels / seconds);
     return;
   }
   for (const OrmidexUInt32 algorithm : kAlgorithms) {
     const double seconds =
         MedianSeconds([&] { camera.Convert(frame, geometry, algorithm, image); });
-    const std::string name = "conversion code " + std::to_string(algorithm);
-    std::printf("%-28s %10.1f Mpixel/s\n", name.c_str(), megapixels / seconds);
+    fmt::print("{:<28} {:10.1f} Mpixel/s\n", fmt::format("conversion code {}", algorithm),
+               megapixels / seconds);
   }
 }
 
@@ -79,8 +79,8 @@ void AddBench(CLI::App& app) {
     Camera camera = options->Open();
     const Geometry geometry = camera.ReadGeometry();
     std::vector<unsigned char> frame(geometry.FrameBytes());
-    std::printf("%-28s %ux%u, %u bits\n", "frame", geometry.width, geometry.height,
-                geometry.bytes_per_pixel * 8);
+    fmt::print("{:<28} {}x{}, {} bits\n", "frame", geometry.width, geometry.height,
+               geometry.bytes_per_pixel * 8);
     BenchCalls(camera);
     BenchFrames(camera, frame, *frames);
     BenchConversions(camera, geometry, frame);

@@ -11,11 +11,7 @@ namespace ormidex_tool {
 
 namespace {
 
-std::string Hex(OrmidexUInt32 value) {
-  char text[16];
-  std::snprintf(text, sizeof(text), "0x%08X", value);
-  return text;
-}
+std::string Hex(OrmidexUInt32 value) { return fmt::format("0x{:08X}", value); }
 
 }  // namespace
 
@@ -43,18 +39,20 @@ Camera::Camera(OrmidexUInt32 index) : index_(index) {
     FailNoCamera();
   }
   if (index >= count) {
-    throw ToolError(kExitNoCamera, "there is no camera " + std::to_string(index) +
-                                       "; cameras are numbered from 0, and there " +
-                                       (count == 1 ? "is 1" : "are " + std::to_string(count)));
+    throw ToolError(
+        kExitNoCamera,
+        fmt::format("there is no camera {}; cameras are numbered from 0, and there {} {}", index,
+                    count == 1 ? "is" : "are", count));
   }
   const OrmidexStatus status = OrmidexInitialize(kDeviceTypeName, index, &handle_);
   // The camera was counted, so it is there: someone else holds it.
   if (status == ORMIDEX_NO_CAMERA) {
-    throw ToolError(kExitBusy, "camera " + std::to_string(index) +
-                                   " cannot be opened; another program may hold it, or you may "
-                                   "lack the permission to use it");
+    throw ToolError(kExitBusy,
+                    fmt::format("camera {} cannot be opened; another program may hold it, or you "
+                                "may lack the permission to use it",
+                                index));
   }
-  Check(status, "opening camera " + std::to_string(index));
+  Check(status, fmt::format("opening camera {}", index));
 }
 
 Camera::Camera(Camera&& other) noexcept
@@ -120,11 +118,15 @@ OrmidexUInt32 Camera::ImagerGeneration() const {
 
 void Camera::StartStream() { Check(OrmidexStartVideoStream(handle_), "starting the stream"); }
 
-// A camera that still answers has only not delivered in time.
-void Camera::FailFrame() const {
+bool Camera::Answers() const {
   OrmidexUInt8 counter = 0;
   OrmidexUInt32 counters[2] = {};
-  if (OrmidexGetFrameNumber(handle_, &counter, counters) == ORMIDEX_REQUEST_FAILED) {
+  return OrmidexGetFrameNumber(handle_, &counter, counters) != ORMIDEX_REQUEST_FAILED;
+}
+
+// A camera that still answers has only not delivered in time.
+void Camera::FailFrame() const {
+  if (!Answers()) {
     throw ToolError(kExitCameraLost,
                     "the camera delivers no more frames; check that it is still plugged in");
   }

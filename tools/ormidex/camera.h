@@ -53,6 +53,9 @@ class Camera {
 
   OrmidexUInt32 ImagerGeneration() const;
 
+  // Whether the camera still takes requests, as one that was unplugged does not.
+  bool Answers() const;
+
   void StartStream();
   // Reads one frame; a camera that delivers none throws.
   void ReadFrame(std::vector<unsigned char>& frame);

@@ -46,29 +46,24 @@ void ReadStill(Camera& camera, float exposure_ms, std::vector<unsigned char>& fr
 // A still has no rate.
 void PrintRow(const Camera& camera, const Geometry& geometry, const CaptureOptions& options,
               double reached) {
-  const std::string size = std::to_string(geometry.width) + "x" + std::to_string(geometry.height);
-  char rate[32] = "-";
-  if (!options.still) std::snprintf(rate, sizeof(rate), "%.1f", reached);
   if (!options.no_header) {
-    std::printf("%-7s %-11s %-11s %-10s %-10s %s\n", "camera", "imager", "frame", "asked/s",
-                "reached/s", "file");
+    fmt::print("{:<7} {:<11} {:<11} {:<10} {:<10} {}\n", "camera", "imager", "frame", "asked/s",
+               "reached/s", "file");
   }
-  std::printf("%-7u %-11s %-11s %-10.1f %-10s %s\n", camera.index(), camera.TypeText().c_str(),
-              size.c_str(), camera.FrameRateAsked(), rate, options.output.c_str());
+  fmt::print("{:<7} {:<11} {:<11} {:<10.1f} {:<10} {}\n", camera.index(), camera.TypeText(),
+             fmt::format("{}x{}", geometry.width, geometry.height), camera.FrameRateAsked(),
+             options.still ? "-" : fmt::format("{:.1f}", reached), options.output);
 }
 
 void PrintStatistics(const FrameStatistics& statistics) {
-  std::printf("mean %.2f, lowest %u, highest %u, black %llu, clipped %llu, focus %.1f\n",
-              statistics.mean, statistics.lowest, statistics.highest,
-              static_cast<unsigned long long>(statistics.black),
-              static_cast<unsigned long long>(statistics.clipped), statistics.focus);
+  fmt::print("mean {:.2f}, lowest {}, highest {}, black {}, clipped {}, focus {:.1f}\n",
+             statistics.mean, statistics.lowest, statistics.highest, statistics.black,
+             statistics.clipped, statistics.focus);
   std::uint64_t most = 1;
   for (const std::uint64_t count : statistics.histogram) most = std::max(most, count);
   for (std::size_t i = 0; i < statistics.histogram.size(); ++i) {
-    const auto bar = static_cast<int>(statistics.histogram[i] * 50 / most);
-    std::printf("%3zu-%-3zu %9llu %.*s\n", i * 16, i * 16 + 15,
-                static_cast<unsigned long long>(statistics.histogram[i]), bar,
-                "##################################################");
+    fmt::print("{:3}-{:<3} {:9} {:#<{}}\n", i * 16, i * 16 + 15, statistics.histogram[i], "",
+               statistics.histogram[i] * 50 / most);
   }
 }
 
@@ -84,7 +79,7 @@ void PrintJson(const Camera& camera, const Geometry& geometry, const CaptureOpti
                                      {"reached", reached},
                                      {"file", options.output}};
   if (options.statistics) document["statistics"] = ToJson(statistics);
-  std::printf("%s\n", document.dump(2).c_str());
+  fmt::print("{}\n", document.dump(2));
 }
 
 // What is printed would mix with a picture on standard output.

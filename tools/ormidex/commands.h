@@ -3,8 +3,12 @@
 #ifndef ORMIDEX_TOOLS_COMMANDS_H_
 #define ORMIDEX_TOOLS_COMMANDS_H_
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "camera.h"
@@ -29,10 +33,22 @@ struct CameraOptions {
   Camera Open() const;
 };
 
-// Said unless --quiet; details only with --verbose. Both on standard error.
-void Say(const char* format, ...) __attribute__((format(printf, 1, 2)));
-void SayDetail(const char* format, ...) __attribute__((format(printf, 1, 2)));
 bool IsQuiet();
+bool IsVerbose();
+
+// Said unless --quiet; details only with --verbose. Both on standard error.
+template <typename... Arguments>
+void Say(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
+  if (IsQuiet()) return;
+  fmt::print(stderr, "{}\n", fmt::format(format, std::forward<Arguments>(arguments)...));
+}
+template <typename... Arguments>
+void SayDetail(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
+  if (IsVerbose()) Say(format, std::forward<Arguments>(arguments)...);
+}
+
+// The words behind "--" of 'trace' and 'simulate': a program and its arguments.
+const std::vector<std::string>& ProgramWords();
 
 void AddList(CLI::App& app);
 void AddInfo(CLI::App& app);

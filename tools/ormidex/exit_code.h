@@ -2,6 +2,8 @@
 #ifndef ORMIDEX_TOOLS_EXIT_CODE_H_
 #define ORMIDEX_TOOLS_EXIT_CODE_H_
 
+#include <fmt/format.h>
+
 #include <stdexcept>
 #include <string>
 

@@ -20,19 +20,19 @@ void PrintValues(const nlohmann::ordered_json& values, bool json) {
   if (json) {
     const nlohmann::ordered_json document = {
         {"schema", "ormidex-settings"}, {"version", 1}, {"settings", values}};
-    std::printf("%s\n", document.dump(2).c_str());
+    fmt::print("{}\n", document.dump(2));
     return;
   }
   for (const auto& [name, value] : values.items()) {
-    std::printf("%s=%s\n", name.c_str(), value.get<std::string>().c_str());
+    fmt::print("{}={}\n", name, value.get<std::string>());
   }
 }
 
 void Explain() {
   for (const Setting& setting : Settings()) {
-    const std::string unit = *setting.unit != '\0' ? std::string(" [") + setting.unit + "]" : "";
-    std::printf("%s%s\n    %s: %s%s\n", setting.name, unit.c_str(), setting.help, setting.range,
-                setting.write == nullptr ? " (cannot be set)" : "");
+    const std::string unit = *setting.unit != '\0' ? fmt::format(" [{}]", setting.unit) : "";
+    fmt::print("{}{}\n    {}: {}{}\n", setting.name, unit, setting.help, setting.range,
+               setting.write == nullptr ? " (cannot be set)" : "");
   }
 }
 

@@ -37,7 +37,7 @@ Json FrameFacts(const Camera& camera) {
 void PrintSection(const Json& section) {
   for (const auto& [name, value] : section.items()) {
     const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-    std::printf("%-18s %s\n", name.c_str(), text.c_str());
+    fmt::print("{:<18} {}\n", name, text);
   }
 }
 
@@ -56,7 +56,7 @@ void AddInfo(CLI::App& app) {
     document["frame"] = FrameFacts(camera);
     document["settings"] = ReadAll(camera);
     if (*json) {
-      std::printf("%s\n", document.dump(2).c_str());
+      fmt::print("{}\n", document.dump(2));
       return;
     }
     PrintSection(document["identity"]);

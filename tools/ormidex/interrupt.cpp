@@ -15,6 +15,13 @@ extern "C" void OnInterrupt(int signal) {
 
 }  // namespace
 
+void CatchBrokenPipe() {
+#ifdef SIGPIPE
+  // A handler, unlike SIG_IGN, is not handed on to programs that are started.
+  std::signal(SIGPIPE, [](int) {});
+#endif
+}
+
 void CatchInterrupts() { std::signal(SIGINT, &OnInterrupt); }
 
 bool Interrupted() { return interrupted != 0; }

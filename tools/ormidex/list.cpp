@@ -11,11 +11,11 @@ namespace ormidex_tool {
 namespace {
 
 void PrintTable(OrmidexUInt32 count) {
-  std::printf("%-7s %-11s %-11s %s\n", "camera", "serial", "firmware", "imager");
+  fmt::print("{:<7} {:<11} {:<11} {}\n", "camera", "serial", "firmware", "imager");
   for (OrmidexUInt32 index = 0; index < count; ++index) {
     const Camera camera(index);
-    std::printf("%-7u %-11s %-11s %s\n", index, camera.SerialText().c_str(),
-                camera.FirmwareText().c_str(), camera.TypeText().c_str());
+    fmt::print("{:<7} {:<11} {:<11} {}\n", index, camera.SerialText(), camera.FirmwareText(),
+               camera.TypeText());
   }
 }
 
@@ -29,7 +29,7 @@ void PrintJson(OrmidexUInt32 count) {
                                    {"firmware", camera.FirmwareText()},
                                    {"imager", camera.TypeText()}});
   }
-  std::printf("%s\n", document.dump(2).c_str());
+  fmt::print("{}\n", document.dump(2));
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // ormidex: the cameras from the command line.
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <exception>
+#include <system_error>
 
 #include "camera.h"
 #include "commands.h"
@@ -16,29 +16,14 @@ namespace {
 bool quiet = false;
 bool verbose = false;
 
-void SayTo(bool wanted, const char* format, std::va_list arguments) {
-  if (!wanted) return;
-  std::vfprintf(stderr, format, arguments);
-  std::fputc('\n', stderr);
-}
+std::vector<std::string> program_words;
 
 }  // namespace
 
 bool IsQuiet() { return quiet; }
+bool IsVerbose() { return verbose; }
 
-void Say(const char* format, ...) {
-  std::va_list arguments;
-  va_start(arguments, format);
-  SayTo(!quiet, format, arguments);
-  va_end(arguments);
-}
-
-void SayDetail(const char* format, ...) {
-  std::va_list arguments;
-  va_start(arguments, format);
-  SayTo(verbose && !quiet, format, arguments);
-  va_end(arguments);
-}
+const std::vector<std::string>& ProgramWords() { return program_words; }
 
 void CameraOptions::AddTo(CLI::App& command) {
   command.add_option("--camera", camera, "Number of the camera, or its serial number (0x...)")
@@ -69,7 +54,7 @@ Camera CameraOptions::Open() const {
     for (auto& assignment : ParseAssignments(text)) assignments.push_back(assignment);
   }
   Camera opened(FindCamera(camera));
-  SayDetail("opened camera %u, serial number %s", opened.index(), opened.SerialText().c_str());
+  SayDetail("opened camera {}, serial number {}", opened.index(), opened.SerialText());
   ormidex_tool::Apply(opened, assignments);
   return opened;
 }
@@ -135,6 +120,20 @@ std::vector<std::string> TieDescriptions(int argc, char** argv) {
   return words;
 }
 
+// Takes the words behind "--" for a program, of the commands that run one; to the
+// others "--" means that no option follows.
+void SplitProgram(std::vector<std::string>& words) {
+  const auto command = std::find_if(words.begin(), words.end(), [](const std::string& word) {
+    return !word.empty() && word[0] != '-';
+  });
+  if (command == words.end() || (*command != "trace" && *command != "simulate")) return;
+  const auto mark = std::find(words.begin(), words.end(), "--");
+  if (mark == words.end()) return;
+  if (mark + 1 == words.end()) FailUsage("no program is named behind '--'");
+  program_words.assign(mark + 1, words.end());
+  words.erase(mark, words.end());
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"Control cameras on an IEEE 1394 bus"};
   app.name("ormidex");
@@ -147,11 +146,15 @@ int Run(int argc, char** argv) {
   AddCommands(app);
   try {
     std::vector<std::string> words = TieDescriptions(argc, argv);
+    SplitProgram(words);
     std::reverse(words.begin(), words.end());  // the parser takes them from the back
     app.parse(words);
   } catch (const CLI::ParseError& error) {
     const int code = app.exit(error);
     return code == 0 ? kExitOk : kExitUsage;
+  }
+  if (std::fflush(stdout) != 0) {
+    throw ToolError(kExitIncomplete, "standard output is not complete: the disk may be full");
   }
   return kExitOk;
 }
@@ -164,10 +167,13 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const ToolError& error) {
-    std::fprintf(stderr, "ormidex: %s\n", error.what());
+    fmt::print(stderr, "ormidex: {}\n", error.what());
     return error.code();
+  } catch (const std::system_error& error) {
+    fmt::print(stderr, "ormidex: the output is not complete: {}\n", error.code().message());
+    return kExitIncomplete;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "ormidex: %s\n", error.what());
+    fmt::print(stderr, "ormidex: {}\n", error.what());
     return kExitFailure;
   }
 }

@@ -91,10 +91,8 @@ std::string NumberedPath(const std::string& pattern, std::uint64_t number) {
   std::size_t length = 0;
   int digits = 0;
   if (!FindNumber(pattern, &start, &length, &digits)) return pattern;
-  char text[32];
-  std::snprintf(text, sizeof(text), "%0*llu", digits < 20 ? digits : 20,
-                static_cast<unsigned long long>(number));
-  return pattern.substr(0, start) + text + pattern.substr(start + length);
+  return fmt::format("{}{:0{}}{}", pattern.substr(0, start), number, std::min(digits, 20),
+                     pattern.substr(start + length));
 }
 
 void RefuseOverwriting(const std::string& path, bool force) {
@@ -107,10 +105,11 @@ FrameWriter::FrameWriter(const Camera& camera, const Geometry& geometry,
                          const WriteOptions& options)
     : camera_(camera), geometry_(geometry), options_(options), image_(geometry.ImageBytes()) {}
 
-void FrameWriter::WriteBytes(const void* data, std::size_t bytes, const std::string& path) const {
+void WriteFile(const std::string& path, const void* data, std::size_t bytes) {
   if (path == "-") {
     if (std::fwrite(data, 1, bytes, stdout) != bytes || std::fflush(stdout) != 0) {
-      throw ToolError(kExitIncomplete, "standard output was closed");
+      throw ToolError(kExitIncomplete,
+                      "standard output is not complete: it was closed, or the disk may be full");
     }
     return;
   }
@@ -123,8 +122,7 @@ void FrameWriter::WriteBytes(const void* data, std::size_t bytes, const std::str
 
 // Portable pixmap: top-down, red first.
 void FrameWriter::WritePpm(const std::string& path) {
-  std::string text =
-      "P6\n" + std::to_string(geometry_.width) + " " + std::to_string(geometry_.height) + "\n255\n";
+  std::string text = fmt::format("P6\n{} {}\n255\n", geometry_.width, geometry_.height);
   const std::size_t header = text.size();
   const std::size_t stride = std::size_t{3} * geometry_.width;
   text.resize(header + image_.size());
@@ -137,12 +135,12 @@ void FrameWriter::WritePpm(const std::string& path) {
       out[x + 2] = static_cast<char>(row[x]);
     }
   }
-  WriteBytes(text.data(), text.size(), path);
+  WriteFile(path, text);
 }
 
 void FrameWriter::Write(std::vector<unsigned char>& frame, const std::string& path) {
   if (options_.format == Format::kRaw) {
-    WriteBytes(frame.data(), frame.size(), path);
+    WriteFile(path, frame.data(), frame.size());
     return;
   }
   const std::string target = path == "-" ? kStandardOutputPath : path;
@@ -161,7 +159,7 @@ void FrameWriter::Write(std::vector<unsigned char>& frame, const std::string& pa
     }
     const bool jpeg = options_.format == Format::kJpeg;
     // The JPEG writer reports nothing, so that the file is made sure of first.
-    if (jpeg && path != "-") WriteBytes(nullptr, 0, path);
+    if (jpeg && path != "-") WriteFile(path, nullptr, 0);
     status = jpeg ? OrmidexSaveFrameAsJpeg(camera_.handle(), image_.data(), target.c_str())
                   : OrmidexSaveFrameAsBitmap(camera_.handle(), image_.data(), target.c_str());
     expected = jpeg ? 1 : 54 + image_.size();

@@ -23,6 +23,13 @@ std::string NumberedPath(const std::string& pattern, std::uint64_t number);
 // Throws a ToolError when the file is there and `force` is not set.
 void RefuseOverwriting(const std::string& path, bool force);
 
+// Writes a file, or "-"; throws a ToolError when it cannot be created or is not
+// complete.
+void WriteFile(const std::string& path, const void* data, std::size_t bytes);
+inline void WriteFile(const std::string& path, const std::string& text) {
+  WriteFile(path, text.data(), text.size());
+}
+
 // What a frame is written with.
 struct WriteOptions {
   Format format = Format::kBmp;
@@ -37,7 +44,6 @@ class FrameWriter {
   void Write(std::vector<unsigned char>& frame, const std::string& path);
 
  private:
-  void WriteBytes(const void* data, std::size_t bytes, const std::string& path) const;
   void WritePpm(const std::string& path);
 
   const Camera& camera_;

@@ -98,7 +98,7 @@ class LiveView {
   void ShowRate() const {
     OrmidexUInt32 rate = 0;
     if (IsQuiet() || OrmidexGetCurrentFrameRate(camera_.handle(), &rate) != ORMIDEX_OK) return;
-    std::fprintf(stderr, "\r%u frames/s, conversion %u   ", rate, algorithm_);
+    fmt::print(stderr, "\r{} frames/s, conversion {}   ", rate, algorithm_);
     std::fflush(stderr);
   }
 
@@ -124,7 +124,7 @@ class LiveView {
           break;
       }
     } catch (const ToolError& error) {
-      Say("\n%s", error.what());
+      Say("\n{}", error.what());
     }
     return true;
   }
@@ -149,7 +149,7 @@ class LiveView {
     const std::string path = NumberedPath(options_.save, saved_++);
     RefuseOverwriting(path, options_.force);
     FrameWriter(camera_, geometry, {FormatOf(path), algorithm_}).Write(frame, path);
-    Say("\n%s", path.c_str());
+    Say("\n{}", path);
   }
 
   Camera& camera_;

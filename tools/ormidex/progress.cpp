@@ -37,12 +37,10 @@ void Progress::Show(std::uint64_t done, double seconds, std::uint64_t lost) {
   const double rate = seconds > 0.0 ? static_cast<double>(done) / seconds : 0.0;
   std::fputc('\r', stderr);
   if (total_ != 0) {
-    const auto length = static_cast<int>(std::min(done, total_) * kBarLength / total_);
-    std::fprintf(stderr, "[%.*s%*s] ", length, "##############################",
-                 kBarLength - length, "");
+    const auto length = static_cast<std::size_t>(std::min(done, total_) * kBarLength / total_);
+    fmt::print(stderr, "[{:<{}}] ", std::string(length, '#'), kBarLength);
   }
-  std::fprintf(stderr, "%llu frames, %.1f/s, %llu lost  ", static_cast<unsigned long long>(done),
-               rate, static_cast<unsigned long long>(lost));
+  fmt::print(stderr, "{} frames, {:.1f}/s, {} lost  ", done, rate, lost);
   std::fflush(stderr);
 }
 

@@ -148,9 +148,8 @@ void Recording::RecordFrame() {
 
 void Recording::Summarise() const {
   const double seconds = Since(start_);
-  Say("%llu frames in %.1f s, %.1f frames/s, %llu lost", static_cast<unsigned long long>(written_),
-      seconds, seconds > 0.0 ? static_cast<double>(written_) / seconds : 0.0,
-      static_cast<unsigned long long>(lost_));
+  Say("{} frames in {:.1f} s, {:.1f} frames/s, {} lost", written_, seconds,
+      seconds > 0.0 ? static_cast<double>(written_) / seconds : 0.0, lost_);
 }
 
 // What is recorded stays, however the recording ends.
@@ -163,17 +162,16 @@ void Recording::Run() {
   } catch (const ToolError& error) {
     progress_.End();
     Summarise();
-    throw ToolError(
-        written_ != 0 && error.code() == kExitFailure ? kExitIncomplete : error.code(),
-        std::string(error.what()) + "; " + std::to_string(written_) + " frames were recorded");
+    throw ToolError(written_ != 0 && error.code() == kExitFailure ? kExitIncomplete : error.code(),
+                    fmt::format("{}; {} frames were recorded", error.what(), written_));
   }
   progress_.End();
   metadata_.close();
   if (!metadata_) throw ToolError(kExitIncomplete, "the metadata are not complete");
   Summarise();
   if (options_.frames != 0 && written_ < options_.frames) {
-    throw ToolError(kExitIncomplete, "interrupted after " + std::to_string(written_) + " of " +
-                                         std::to_string(options_.frames) + " frames");
+    throw ToolError(kExitIncomplete,
+                    fmt::format("interrupted after {} of {} frames", written_, options_.frames));
   }
 }
 

@@ -37,12 +37,7 @@ Bytes ToBytes(const std::vector<std::string>& texts) {
   return bytes;
 }
 
-void Print(const Bytes& bytes) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    std::printf("%s0x%02X", i == 0 ? "" : " ", bytes[i]);
-  }
-  std::printf("\n");
-}
+void Print(const Bytes& bytes) { fmt::print("0x{:02X}\n", fmt::join(bytes, " 0x")); }
 
 constexpr OrmidexUInt32 kAnyAddress = 0xFFFFFFFFu;
 
@@ -99,7 +94,7 @@ void RunGpio(const RegisterOptions& options) {
   }
   OrmidexUInt32 value = 0;
   Check(OrmidexReadGpio(camera.handle(), &value), "reading the GPIO lines");
-  std::printf("0x%08X\n", value);
+  fmt::print("0x{:08X}\n", value);
 }
 
 using Runner = void (*)(const RegisterOptions&);

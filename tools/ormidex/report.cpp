@@ -1,6 +1,5 @@
 // Everything that a bug report should hold, as one JSON document.
 #include <cstdio>
-#include <fstream>
 #include <memory>
 
 #ifndef _WIN32
@@ -12,6 +11,7 @@
 #include "exit_code.h"
 #include "output.h"
 #include "settings.h"
+#include "temporary_file.h"
 #include "trace_file.h"
 
 namespace ormidex_tool {
@@ -54,10 +54,9 @@ Json CameraFacts(OrmidexUInt32 index) {
 
 void RunReport(const CameraOptions& options, const std::string& output, bool force) {
   if (!output.empty()) RefuseOverwriting(output, force);
-  const std::string trace = (output.empty() ? std::string("ormidex-report") : output) + ".trace";
-  RefuseOverwriting(trace, force);
+  const TemporaryFile trace;
   options.Apply();
-  SetEnvironment("ORMIDEX_TRACE", trace);
+  SetEnvironment("ORMIDEX_TRACE", trace.path());
   Json document = {{"schema", "ormidex-report"}, {"version", 1}, {"tool", ORMIDEX_TOOL_VERSION}};
   document["system"] = SystemFacts();
   document["cameras"] = Json::array();
@@ -66,17 +65,13 @@ void RunReport(const CameraOptions& options, const std::string& output, bool for
     document["cameras"].push_back(CameraFacts(index));
   }
   document["trace"] = Json::array();
-  for (const auto& request : ReadTrace(trace)) document["trace"].push_back(Json(request));
-  std::remove(trace.c_str());
+  for (const auto& request : ReadTrace(trace.path())) document["trace"].push_back(Json(request));
   if (output.empty()) {
-    std::printf("%s\n", document.dump(1).c_str());
+    fmt::print("{}\n", document.dump(1));
     return;
   }
-  std::ofstream file(output);
-  file << document.dump(1) << '\n';
-  file.close();
-  if (!file) throw ToolError(kExitFailure, "the report could not be written to '" + output + "'");
-  Say("the report is in %s", output.c_str());
+  WriteFile(output, document.dump(1) + '\n');
+  Say("the report is in {}", output);
 }
 
 }  // namespace

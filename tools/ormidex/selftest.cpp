@@ -152,10 +152,10 @@ bool RunCase(const Case& test, OrmidexUInt32 index) {
   try {
     Camera camera(index);
     test.run(camera);
-    std::printf("ok      %s\n", test.name);
+    fmt::print("ok      {}\n", test.name);
     return true;
   } catch (const ToolError& error) {
-    std::printf("FAILED  %s: %s\n", test.name, error.what());
+    fmt::print("FAILED  {}: {}\n", test.name, error.what());
     return false;
   }
 }
@@ -167,8 +167,8 @@ void RunSelftest(const CameraOptions& options) {
   int passed = 0;
   int failed = 0;
   for (const Case& test : kCases) ++(RunCase(test, index) ? passed : failed);
-  std::printf("%d passed, %d failed\n", passed, failed);
-  if (failed != 0) throw ToolError(kExitFailure, std::to_string(failed) + " cases failed");
+  fmt::print("{} passed, {} failed\n", passed, failed);
+  if (failed != 0) throw ToolError(kExitFailure, fmt::format("{} cases failed", failed));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "exit_code.h"
+#include "output.h"
 
 namespace ormidex_tool {
 
@@ -30,11 +31,7 @@ bool Parse(const std::string& text, float* value) {
 
 std::string Text(OrmidexUInt32 value) { return std::to_string(value); }
 
-std::string Text(float value) {
-  char text[32];
-  std::snprintf(text, sizeof(text), "%.6g", static_cast<double>(value));
-  return text;
-}
+std::string Text(float value) { return fmt::format("{:.6g}", value); }
 
 template <typename Value, OrmidexStatus(ORMIDEX_CALL* function)(OrmidexHandle, Value*)>
 OrmidexStatus Read(OrmidexHandle camera, std::string* text) {
@@ -259,10 +256,7 @@ void SaveSettings(const Camera& camera, const std::string& path) {
   document["schema"] = "ormidex-settings";
   document["version"] = kSettingsVersion;
   document["settings"] = ReadAll(camera);
-  std::ofstream file(path);
-  file << document.dump(2) << '\n';
-  file.close();
-  if (!file) throw ToolError(kExitFailure, "the settings could not be written to '" + path + "'");
+  WriteFile(path, document.dump(2) + '\n');
 }
 
 Assignments LoadSettings(const std::string& path) {

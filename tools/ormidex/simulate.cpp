@@ -4,17 +4,13 @@
 #include <memory>
 
 #include "camera.h"
+#include "child.h"
 #include "commands.h"
 #include "exit_code.h"
 
 namespace ormidex_tool {
 
 namespace {
-
-struct SimulateOptions {
-  std::string description;
-  std::vector<std::string> program;
-};
 
 constexpr char kHelp[] =
     "Cameras are separated by ';', each a list of key=value separated by ','; a number N stands\n"
@@ -26,38 +22,18 @@ constexpr char kHelp[] =
     "docs/simulator.md lists all keys. After '--' a program can be named; it is run with these\n"
     "cameras and no others.";
 
-std::string Quoted(const std::string& word) {
-#ifdef _WIN32
-  return "\"" + word + "\"";
-#else
-  std::string quoted = "'";
-  for (const char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-#endif
-}
-
-int RunProgram(const std::vector<std::string>& program) {
-  std::string line;
-  for (const std::string& word : program) line += (line.empty() ? "" : " ") + Quoted(word);
-  const int status = std::system(line.c_str());
-  if (status == -1) throw ToolError(kExitFailure, "'" + program[0] + "' could not be started");
-#ifdef _WIN32
-  return status;
-#else
-  return status > 255 ? status >> 8 : status == 0 ? 0 : 1;
-#endif
-}
-
-void RunSimulate(const SimulateOptions& options) {
-  UseSimulator(options.description);
-  if (!options.program.empty()) {
-    const int code = RunProgram(options.program);
-    if (code != 0) std::exit(code);
+void RunSimulate(const std::string& description) {
+  UseSimulator(description);
+  if (!ProgramWords().empty()) {
+    Child child(ProgramWords());
+    while (!child.Wait(1000)) {
+    }
+    if (child.exit_code() != 0) std::exit(child.exit_code());
     return;
   }
   const OrmidexUInt32 count = CountCameras();
   if (count == 0) FailUsage("the description gives no camera");
-  std::printf("the description gives %u camera%s\n", count, count == 1 ? "" : "s");
+  fmt::print("the description gives {} camera{}\n", count, count == 1 ? "" : "s");
 }
 
 }  // namespace
@@ -66,11 +42,9 @@ void AddSimulate(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "simulate", "Check a description of simulated cameras, or run a program with them");
   command->footer(kHelp);
-  auto options = std::make_shared<SimulateOptions>();
-  command->add_option("description", options->description, "The cameras")->required();
-  command->add_option("program", options->program, "Program to run, with its arguments");
-  command->positionals_at_end(false);
-  command->callback([options] { RunSimulate(*options); });
+  auto description = std::make_shared<std::string>();
+  command->add_option("description", *description, "The cameras")->required();
+  command->callback([description] { RunSimulate(*description); });
 }
 
 }  // namespace ormidex_tool

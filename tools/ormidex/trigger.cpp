@@ -57,20 +57,28 @@ bool AwaitFrame(double timeout) {
   return true;
 }
 
-void TakeFrames(FrameWriter& writer, const TriggerOptions& options) {
+[[noreturn]] void FailTrigger(const Camera& camera, const TriggerOptions& options,
+                              OrmidexUInt32 taken) {
+  const std::string came = fmt::format("{} of {} frames came", taken, options.frames);
+  if (Interrupted()) throw ToolError(kExitIncomplete, came + " until the interrupt");
+  if (!camera.Answers()) {
+    throw ToolError(kExitCameraLost,
+                    came + "; the camera no longer answers, check that it is still plugged in");
+  }
+  throw ToolError(taken == 0 ? kExitTimeout : kExitIncomplete,
+                  came + "; check the trigger line, or wait longer (--timeout)");
+}
+
+void TakeFrames(const Camera& camera, FrameWriter& writer, const TriggerOptions& options) {
   std::vector<unsigned char> frame(mailbox.frame.size());
   for (OrmidexUInt32 i = 0; i < options.frames; ++i) {
-    if (!AwaitFrame(options.timeout)) {
-      throw ToolError(i == 0 ? kExitTimeout : kExitIncomplete,
-                      std::to_string(i) + " of " + std::to_string(options.frames) +
-                          " frames came; check the trigger line, or wait longer (--timeout)");
-    }
+    if (!AwaitFrame(options.timeout)) FailTrigger(camera, options, i);
     frame.swap(mailbox.frame);
     mailbox.full.store(false);
     const std::string file = NumberedPath(options.output, i);
     RefuseOverwriting(file, options.force);
     writer.Write(frame, file);
-    if (file != "-") Say("%s", file.c_str());
+    if (file != "-") Say("{}", file);
   }
 }
 
@@ -106,8 +114,8 @@ void RunTrigger(const TriggerOptions& options) {
   FrameWriter writer(camera, geometry, {format, options.algorithm});
   CatchInterrupts();
   const Armed armed(camera, raw, options.exposure_ms);
-  TakeFrames(writer, options);
-  if (mailbox.dropped.load() != 0) Say("%u frames came too fast", mailbox.dropped.load());
+  TakeFrames(camera, writer, options);
+  if (mailbox.dropped.load() != 0) Say("{} frames came too fast", mailbox.dropped.load());
 }
 
 }  // namespace
