@@ -175,13 +175,15 @@ class RowDrive {
         code_.Ends(y + 2 * pair + 1, out_below);
       }
     }
-    target_.Finish();
+    if (!job.past_cache) {
+      target_.Finish();
+    }
   }
 
   // Pairs that one call may do: all in a frame that is read where it stands and written
   // where it belongs, but few where the ends are done afterwards, for the cache's sake.
   std::size_t PairsFrom(std::size_t y) const {
-    if (!rows_.HasMargin() || target_.streams()) {
+    if (!rows_.HasMargin() || (target_.streams() && !target_.TakesDirectly(Out(y)))) {
       return 1;
     }
     const std::size_t all = (code_.frame.height - 1 - y) / 2;
@@ -201,7 +203,8 @@ class RowDrive {
     job.row = rows_.Row(y);
     job.below = rows_.Row(y + 1);
     job.below2 = rows_.Row(y + 2);
-    job.out_below = target_.Begin(Out(y + 1), 2);
+    job.past_cache = target_.TakesDirectly(Out(y + 1));
+    job.out_below = job.past_cache ? Out(y + 1) : target_.Begin(Out(y + 1), 2);
     job.out = job.out_below + target_.row_bytes();
     if (target_.prefetches() && y + 3 < code_.Rows()) {
       job.next_out = Out(y + 2);

@@ -42,6 +42,13 @@ class RowTarget {
     }
   }
 
+  // Whether kernels can write all rows past the caches themselves: in steps along a row
+  // from some pixel on they meet places that are aligned, and do so in the next row, too.
+  // Vectors must fill a line, or the lines of both rows are stored by halves.
+  bool TakesDirectly(const std::uint8_t* out) const {
+    return streams_ && kernels_.vector_bytes == kAlignment &&
+           reinterpret_cast<std::uintptr_t>(out) % 4 == 0 && row_bytes_ % kAlignment == 0;
+  }
   // Where to write `rows` rows, one or two, that belong at `out` one after the other.
   std::uint8_t* Begin(std::uint8_t* out, std::size_t rows) {
     if (!streams_) {

@@ -86,6 +86,9 @@ struct TwoRowsJob {
   Stream* stream;
   std::size_t width;
   bool has_red;
+  // The inner columns are stored past the caches, to places that a kernel's steps meet
+  // aligned in both rows. The caller ends the stream.
+  bool past_cache;
   // How many such pairs of rows follow one another, and how far on the next one's rows
   // and places are.
   std::size_t pairs;

@@ -20,6 +20,14 @@ inline void Store(std::uint8_t* p, Vector v) {
 inline void StorePast(std::uint8_t* p, Vector v) {
   _mm256_stream_si256(reinterpret_cast<__m256i*>(p), v);
 }
+template <Way kWay>
+inline void Put(std::uint8_t* p, Vector v) {
+  if constexpr (kWay == Way::kPastCache) {
+    StorePast(p, v);
+  } else {
+    Store(p, v);
+  }
+}
 inline Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm256_or_si256(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm256_xor_si256(a, b); }
@@ -42,10 +50,11 @@ inline Vector ReflectEnd(Vector v) {
 }
 
 // Per 128-bit half: three stores in the order of memory.
+template <Way kWay = Way::kCached>
 inline void StoreHalves(std::uint8_t* out, Vector v0, Vector v1, Vector v2) {
-  Store(out, _mm256_permute2x128_si256(v0, v1, 0x20));
-  Store(out + 32, _mm256_blend_epi32(v2, v0, 0xF0));
-  Store(out + 64, _mm256_permute2x128_si256(v1, v2, 0x31));
+  Put<kWay>(out, _mm256_permute2x128_si256(v0, v1, 0x20));
+  Put<kWay>(out + 32, _mm256_blend_epi32(v2, v0, 0xF0));
+  Put<kWay>(out + 64, _mm256_permute2x128_si256(v1, v2, 0x31));
 }
 
 // The odd bytes of two vectors.
@@ -80,7 +89,7 @@ template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, std::size_t kPar
 constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kOddSites, kPart);
 
 // Interleaves F with U, whose bytes stand in `low` and `high`.
-template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites>
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, Way kWay>
 inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector high) {
   const auto in_halves = [](const std::int8_t* order) {
     return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(order)));
@@ -89,9 +98,10 @@ inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector hi
     return Or(_mm256_shuffle_epi8(f, in_halves(order.f)),
               _mm256_shuffle_epi8(u, in_halves(order.u)));
   };
-  StoreHalves(out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>),
-              part(_mm256_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>),
-              part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
+  StoreHalves<kWay>(
+      out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>),
+      part(_mm256_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>),
+      part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
 }
 
 // Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
@@ -212,10 +222,10 @@ struct Lanes8 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm256_blendv_epi8(even, odd, _mm256_set1_epi16(static_cast<short>(0xFF00)));
   }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm256_unpacklo_epi8(own, inner),
-                                                      _mm256_unpackhi_epi8(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites, kWay>(
+        out, outer, _mm256_unpacklo_epi8(own, inner), _mm256_unpackhi_epi8(own, inner));
   }
 
  private:
@@ -248,10 +258,10 @@ struct Lanes16 {
   static Vector ToOdd(Vector v) { return _mm256_slli_epi32(v, 16); }
   static Vector ToEven(Vector v) { return _mm256_srli_epi32(v, 16); }
   static Vector EvenOdd(Vector even, Vector odd) { return _mm256_blend_epi16(even, odd, 0xAA); }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm256_unpacklo_epi16(own, inner),
-                                                      _mm256_unpackhi_epi16(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites, kWay>(
+        out, outer, _mm256_unpacklo_epi16(own, inner), _mm256_unpackhi_epi16(own, inner));
   }
 
  private:

@@ -17,6 +17,14 @@ inline void Store(std::uint8_t* p, Vector v) { _mm512_storeu_si512(p, v); }
 inline void StorePast(std::uint8_t* p, Vector v) {
   _mm512_stream_si512(reinterpret_cast<__m512i*>(p), v);
 }
+template <Way kWay>
+inline void Put(std::uint8_t* p, Vector v) {
+  if constexpr (kWay == Way::kPastCache) {
+    StorePast(p, v);
+  } else {
+    Store(p, v);
+  }
+}
 inline Vector And(Vector a, Vector b) { return _mm512_and_si512(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm512_or_si512(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm512_xor_si512(a, b); }
@@ -218,11 +226,11 @@ struct Lanes8 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0xCA);
   }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    Store(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
-    Store(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
-    Store(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
+    Put<kWay>(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
+    Put<kWay>(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
+    Put<kWay>(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
   }
 
  private:
@@ -265,11 +273,11 @@ struct Lanes16 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0xCA);
   }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    Store(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
-    Store(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
-    Store(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
+    Put<kWay>(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
+    Put<kWay>(out + 64, Part<kHasRed, kOddSites, 1>(outer, own, inner));
+    Put<kWay>(out + 128, Part<kHasRed, kOddSites, 2>(outer, own, inner));
   }
 
  private:

@@ -18,6 +18,14 @@ inline void Store(std::uint8_t* p, Vector v) { _mm_storeu_si128(reinterpret_cast
 inline void StorePast(std::uint8_t* p, Vector v) {
   _mm_stream_si128(reinterpret_cast<__m128i*>(p), v);
 }
+template <Way kWay>
+inline void Put(std::uint8_t* p, Vector v) {
+  if constexpr (kWay == Way::kPastCache) {
+    StorePast(p, v);
+  } else {
+    Store(p, v);
+  }
+}
 inline Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
 inline Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }
 inline Vector Xor(Vector a, Vector b) { return _mm_xor_si128(a, b); }
@@ -71,17 +79,17 @@ template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, std::size_t kPar
 constexpr HalfOrder kHalfOrder = MakeHalfOrder(kLaneBytes, kHasRed, kOddSites, kPart);
 
 // Interleaves F with U, whose bytes stand in `low` and `high`.
-template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites>
+template <std::size_t kLaneBytes, bool kHasRed, bool kOddSites, Way kWay>
 inline void StoreOuterAndRest(std::uint8_t* out, Vector f, Vector low, Vector high) {
   const auto part = [f](Vector u, const HalfOrder& order) {
     const Vector from_f = _mm_shuffle_epi8(f, Load(reinterpret_cast<const std::uint8_t*>(order.f)));
     const Vector from_u = _mm_shuffle_epi8(u, Load(reinterpret_cast<const std::uint8_t*>(order.u)));
     return Or(from_f, from_u);
   };
-  Store(out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>));
-  Store(out + 16,
-        part(_mm_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>));
-  Store(out + 32, part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
+  Put<kWay>(out, part(low, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 0>));
+  Put<kWay>(out + 16,
+            part(_mm_alignr_epi8(high, low, 8), kHalfOrder<kLaneBytes, kHasRed, kOddSites, 1>));
+  Put<kWay>(out + 32, part(high, kHalfOrder<kLaneBytes, kHasRed, kOddSites, 2>));
 }
 
 // Signed lanes of 16 bits, each of which stands for a pair of 8-bit lanes.
@@ -202,10 +210,10 @@ struct Lanes8 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi16(static_cast<short>(0xFF00)), even, odd);
   }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm_unpacklo_epi8(own, inner),
-                                                      _mm_unpackhi_epi8(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites, kWay>(
+        out, outer, _mm_unpacklo_epi8(own, inner), _mm_unpackhi_epi8(own, inner));
   }
 
  private:
@@ -242,10 +250,10 @@ struct Lanes16 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi32(static_cast<int>(0xFFFF0000u)), even, odd);
   }
-  template <bool kHasRed, bool kOddSites = false>
+  template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
-    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites>(out, outer, _mm_unpacklo_epi16(own, inner),
-                                                      _mm_unpackhi_epi16(own, inner));
+    StoreOuterAndRest<kLaneBytes, kHasRed, kOddSites, kWay>(
+        out, outer, _mm_unpacklo_epi16(own, inner), _mm_unpackhi_epi16(own, inner));
   }
 
  private:
