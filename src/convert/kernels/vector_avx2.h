@@ -117,6 +117,10 @@ struct Wide16 {
   static Vector ShiftRight(Vector v) {
     return _mm256_srai_epi16(v, kCount);
   }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm256_srli_epi16(v, kCount);
+  }
   static Vector Min(Vector a, Vector b) { return _mm256_min_epi16(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm256_max_epi16(a, b); }
   // All bits of a lane where it does not hold.
@@ -164,6 +168,10 @@ struct Wide32 {
   template <int kCount>
   static Vector ShiftRight(Vector v) {
     return _mm256_srai_epi32(v, kCount);
+  }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm256_srli_epi32(v, kCount);
   }
   static Vector Min(Vector a, Vector b) { return _mm256_min_epi32(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm256_max_epi32(a, b); }

@@ -115,6 +115,10 @@ struct Wide16 {
   static Vector ShiftRight(Vector v) {
     return _mm512_srai_epi16(v, kCount);
   }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm512_srli_epi16(v, kCount);
+  }
   static Vector Min(Vector a, Vector b) { return _mm512_min_epi16(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm512_max_epi16(a, b); }
   using Mask = __mmask32;
@@ -163,6 +167,10 @@ struct Wide32 {
   template <int kCount>
   static Vector ShiftRight(Vector v) {
     return _mm512_srai_epi32(v, kCount);
+  }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm512_srli_epi32(v, kCount);
   }
   static Vector Min(Vector a, Vector b) { return _mm512_min_epi32(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm512_max_epi32(a, b); }

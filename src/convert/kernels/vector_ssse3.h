@@ -105,6 +105,10 @@ struct Wide16 {
   static Vector ShiftRight(Vector v) {
     return _mm_srai_epi16(v, kCount);
   }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm_srli_epi16(v, kCount);
+  }
   static Vector Min(Vector a, Vector b) { return _mm_min_epi16(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm_max_epi16(a, b); }
   // All bits of a lane where it does not hold.
@@ -151,6 +155,10 @@ struct Wide32 {
   template <int kCount>
   static Vector ShiftRight(Vector v) {
     return _mm_srai_epi32(v, kCount);
+  }
+  template <int kCount>
+  static Vector ShiftRightUnsigned(Vector v) {
+    return _mm_srli_epi32(v, kCount);
   }
   static Vector Min(Vector a, Vector b) { return IfGreater(a, b, b, a); }
   static Vector Max(Vector a, Vector b) { return IfGreater(a, b, a, b); }
