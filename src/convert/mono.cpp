@@ -6,8 +6,7 @@
 namespace ormidex::convert {
 namespace {
 
-using GreyKernel = void (*)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
-                            Stream* stream);
+using GreyKernel = void (*)(const GreyJob& job);
 
 template <typename Form>
 void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
@@ -16,8 +15,13 @@ void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
     // From the bottom row on: the image is then written from its first byte to its last.
     RowTarget target(*kernels, 3 * frame.width * frame.height, 3 * frame.width);
     for (std::size_t y = frame.height; y-- > 0;) {
-      std::uint8_t* const out = target.Begin(frame.ImageRow(y), 1);
-      (kernels->*kernel)(frame.SourceRow(y), frame.width, out, target.stream());
+      GreyJob job{};
+      job.samples = frame.SourceRow(y);
+      job.next_samples = y > 0 ? frame.SourceRow(y - 1) : nullptr;
+      job.out = target.Begin(frame.ImageRow(y), 1);
+      job.stream = target.stream();
+      job.width = frame.width;
+      (kernels->*kernel)(job);
       target.Finish();
     }
     return;

@@ -61,6 +61,17 @@ struct ColourJob {
   bool has_red;
 };
 
+// A row of a monochrome frame.
+struct GreyJob {
+  const std::uint8_t* samples;
+  // Those of the row that comes next, to be fetched meanwhile, or null: rows are taken
+  // from the last to the first, against the order in which a processor fetches ahead.
+  const std::uint8_t* next_samples;
+  std::uint8_t* out;
+  Stream* stream;
+  std::size_t width;
+};
+
 // The columns that a kernel wrote.
 struct ColumnSpan {
   std::size_t begin;
@@ -142,10 +153,8 @@ struct Kernels {
   // High bytes of `count` 16-bit samples: how 24-bit images are made of 16-bit frames.
   void (*high_bytes)(const std::uint8_t* samples, std::size_t count, std::uint8_t* bytes);
   // Each sample, or its high byte, three times.
-  void (*expand_grey8)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
-                       Stream* stream);
-  void (*expand_grey16)(const std::uint8_t* samples, std::size_t count, std::uint8_t* out,
-                        Stream* stream);
+  void (*expand_grey8)(const GreyJob& job);
+  void (*expand_grey16)(const GreyJob& job);
 
   // Corrects the first pixels of an image in place; returns how many.
   std::size_t (*color_correct24)(std::uint8_t* image, std::size_t pixels,
