@@ -22,7 +22,7 @@ export CMAKE_C_COMPILER_LAUNCHER ?= ccache
 export CMAKE_CXX_COMPILER_LAUNCHER ?= ccache
 endif
 
-.PHONY: all build demo test bench windows test-windows install package debian-packages \
+.PHONY: all build product demo test bench windows test-windows install package debian-packages \
   test-package docs abi format lint clean
 
 all: build
@@ -32,7 +32,13 @@ build:
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release -j $(JOBS)
 
-demo: build
+# What is installed, without the tests and benchmarks.
+product:
+	@$(SETUP) build
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS) --target ormidex ormidex_tool ormidex_man
+
+demo: product
 	@scripts/demo.sh
 
 test:
@@ -58,7 +64,7 @@ test-windows: windows
 
 PREFIX ?= /usr/local
 
-install: build
+install: product
 	@cmake --install build/release --prefix $(PREFIX)
 	@if [ -z "$(DESTDIR)" ] && [ "$$(id -u)" = 0 ]; then ldconfig; fi
 
@@ -77,7 +83,7 @@ docs:
 	@$(SETUP) build
 	@scripts/docs.sh
 
-abi: build
+abi: product
 	@$(SETUP) package
 	@scripts/update-abi.sh build/release/src/frame/libormidex.so.1
 
