@@ -19,8 +19,8 @@ readonly build_needs="
   libxcb1-dev=/usr/include/xcb/xcb.h xvfb=Xvfb abigail-tools=abidiff doxygen=doxygen"
 readonly bench_needs="$build_needs libopencv-dev=/usr/include/opencv4/opencv2/core.hpp"
 readonly format_needs="clang-format=clang-format clang-tidy=clang-tidy $build_needs"
-readonly package_needs="$build_needs debhelper=dh dh-python=dh_python3 dpkg-dev=dpkg-buildpackage
-  lintian=lintian"
+readonly package_needs="$build_needs build-essential=/usr/share/build-essential/list
+  debhelper=dh dh-python=dh_python3 dpkg-dev=dpkg-buildpackage lintian=lintian"
 readonly windows_needs="$build_needs
   g++-mingw-w64-i686-win32=i686-w64-mingw32-g++-win32
   binutils-mingw-w64-i686=i686-w64-mingw32-windres
