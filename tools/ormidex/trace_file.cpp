@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "exit_code.h"
+#include "trace_words.h"
 
 namespace ormidex_tool {
 
@@ -19,8 +20,7 @@ std::string Essence(const Json& request) {
 Json TraceReader::Parse(const std::string& line) {
   ++lines_;
   Json request = Json::parse(line, nullptr, false);
-  if (request.is_discarded() || !request.is_object() || !request.contains("code") ||
-      !request.contains("out")) {
+  if (!IsRequest(request)) {
     FailUsage(fmt::format("'{}' line {} is no request; is it a trace?", path_, lines_));
   }
   return request;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -12,10 +13,21 @@ namespace {
 using Json = nlohmann::json;
 using Bytes = std::vector<unsigned>;
 
+unsigned Digit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+  return 16;
+}
+
+bool IsHex(const std::string& text) {
+  return text.size() % 2 == 0 &&
+         std::all_of(text.begin(), text.end(), [](char c) { return Digit(c) < 16; });
+}
+
 Bytes FromHex(const std::string& text) {
   Bytes bytes;
   for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    bytes.push_back(static_cast<unsigned>(std::stoul(text.substr(i, 2), nullptr, 16)));
+    bytes.push_back(Digit(text[i]) << 4 | Digit(text[i + 1]));
   }
   return bytes;
 }
@@ -160,6 +172,22 @@ std::string ExplainDetail(const std::string& name, const Json& request) {
 }
 
 }  // namespace
+
+bool IsRequest(const Json& line) {
+  const auto has = [&](const char* key, bool (Json::*is)() const noexcept) {
+    return line.contains(key) && (line[key].*is)();
+  };
+  if (!line.is_object() || !has("code", &Json::is_string) || !has("name", &Json::is_string) ||
+      !has("in", &Json::is_string) || !IsHex(line["in"].get<std::string>()) ||
+      !has("ok", &Json::is_boolean) || !has("t", &Json::is_number) ||
+      !has("us", &Json::is_number_unsigned)) {
+    return false;
+  }
+  if (has("out", &Json::is_string)) return IsHex(line["out"].get<std::string>());
+  return has("out", &Json::is_object) && line["out"].contains("length") &&
+         line["out"]["length"].is_number_unsigned() && line["out"].contains("crc32") &&
+         line["out"]["crc32"].is_string();
+}
 
 std::string Explain(const Json& request) {
   constexpr char kPrefix[] = "CAM_IOCTL_";

@@ -7,6 +7,9 @@
 
 namespace ormidex_tool {
 
+// Whether a line of a trace has what a request has.
+bool IsRequest(const nlohmann::json& line);
+
 // One request of a trace: its name, what goes to the camera ("<-") or comes from it
 // ("->"), and for register requests which register it is.
 std::string Explain(const nlohmann::json& request);
