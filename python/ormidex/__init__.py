@@ -193,8 +193,8 @@ class Camera:
         """The next raw frame; `out` is an array to read it into, of the right shape."""
         if out is None:
             out = self.make_frame()
-        if not out.flags.c_contiguous:
-            raise ValueError("the array must be contiguous")
+        if not (out.flags.c_contiguous and out.flags.writeable):
+            raise ValueError("the array must be contiguous and writable")
         self._do("OrmidexReturnVideoData", c_uint(out.nbytes), out.ctypes.data_as(c_void_p))
         return out
 
