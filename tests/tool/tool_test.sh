@@ -74,6 +74,24 @@ check "settings are loaded" 0 "window=320x240" get --simulate --load "$folder/s.
 check "a settings file that is none" 2 "is not a settings file" \
   get --simulate --load "$folder/a.bmp"
 check "settings are explained" 0 "analogue gain" get --explain
+# Every listing has a JSON form that names its schema and version.
+for command in list info get set capture "get --explain"; do
+  schema=ormidex-$command
+  case $command in
+    get | set) schema=ormidex-settings ;;
+    "get --explain") schema=ormidex-settings-help ;;
+  esac
+  arguments=""
+  [ "$command" != set ] || arguments=exposure=10
+  [ "$command" != capture ] || arguments="-o $folder/json.bmp"
+  simulate=--simulate
+  [ "$command" != "get --explain" ] || simulate=""
+  # shellcheck disable=SC2086  # words
+  "$tool" $command $simulate $arguments --json > "$folder/out" 2> "$folder/err"
+  expect "the JSON of '$command'" "$(python3 -c 'import json, sys
+document = json.load(sys.stdin)
+print(document["schema"], document["version"])' < "$folder/out")" "$schema 1"
+done
 check "info as JSON has a schema" 0 '"schema": "ormidex-info"' info --json --simulate
 check "statistics" 0 "focus" capture --simulate --statistics -o "$folder/e.bmp"
 check "a TIFF file" 0 "640x480" capture --simulate -o "$folder/e.tif"
@@ -103,6 +121,14 @@ expect "its metadata have a line a frame" "$(wc -l < "$folder/r.jsonl")" 3
 expect "frames are numbered" "$(stat -c %s "$folder/r-0002.raw")" 307200
 check "a sequence without a number" 2 "no place for the frame number" \
   record --simulate -n 3 -o "$folder/r.raw"
+# script(1) gives the recording a terminal.
+script -qec "$tool record --simulate -n 20 -o $folder/bar-##.raw" /dev/null > "$folder/out"
+expect "a terminal sees a bar that ends full" \
+  "$(tr '\r' '\n' < "$folder/out" | grep -cE '^\[#{30}\] 20 frames, [0-9.]+/s, [0-9]+ lost')" 1
+"$tool" record --simulate -n 3 -o "$folder/nobar-#.raw" 2> "$folder/err"
+expect "a file sees none" "$(grep -c '#' "$folder/err")" 0
+expect "but the summary" "$(grep -cE '^3 frames in [0-9.]+ s, [0-9.]+ frames/s, 0 lost' \
+  "$folder/err")" 1
 check "a recording cut short" 6 "frames were recorded" \
   record -q --simulate "fault=unplug:400" -n 2000 -o "$folder/cut-####.raw"
 check "a raw frame is converted without a camera" 0 "" \
@@ -158,8 +184,8 @@ check "its exit code is passed on" 9 "" simulate 3 -- sh -c 'exit 9'
 # by an interrupt.
 "$tool" trace --follow "$folder/live.json" > "$folder/followed" &
 follower=$!
-"$tool" record -q --simulate --trace "$folder/live.json" -n 1000 --force \
-  -o "$folder/live-#.raw" &
+"$tool" record --simulate --trace "$folder/live.json" -n 1000 --force \
+  -o "$folder/live-#.raw" 2> "$folder/writer" &
 writer=$!
 for _ in $(seq 300); do
   if grep -q READ_FRAME "$folder/followed"; then break; fi
@@ -169,6 +195,9 @@ expect "requests are shown while the program runs" "$(kill -0 "$writer" && echo 
 kill -INT "$writer"
 wait "$writer" 2> /dev/null
 expect "an interrupted recording is incomplete" "$?" 7
+expect "its summary is printed all the same" "$(grep -cE '^[0-9]+ frames in' "$folder/writer")" 1
+expect "its files are complete" \
+  "$(cat "$folder"/live-*.raw | wc -c)" $((307200 * $(wc -l < "$folder/live.jsonl")))
 kill -INT "$follower"
 wait "$follower"
 expect "the follower ends in order" "$?" 0

@@ -28,6 +28,19 @@ void PrintValues(const nlohmann::ordered_json& values, bool json) {
   }
 }
 
+void ExplainJson() {
+  nlohmann::ordered_json document = {{"schema", "ormidex-settings-help"}, {"version", 1}};
+  document["settings"] = nlohmann::ordered_json::array();
+  for (const Setting& setting : Settings()) {
+    document["settings"].push_back({{"name", setting.name},
+                                    {"unit", setting.unit},
+                                    {"range", setting.range},
+                                    {"help", setting.help},
+                                    {"can-be-set", setting.write != nullptr}});
+  }
+  fmt::print("{}\n", document.dump(2));
+}
+
 void Explain() {
   for (const Setting& setting : Settings()) {
     const std::string unit = *setting.unit != '\0' ? fmt::format(" [{}]", setting.unit) : "";
@@ -38,7 +51,7 @@ void Explain() {
 
 void RunGet(const GetOptions& options) {
   if (options.explain) {
-    Explain();
+    options.json ? ExplainJson() : Explain();
     return;
   }
   for (const std::string& name : options.names) FindSetting(name);
