@@ -1,11 +1,7 @@
 // Every tier that the machine has, bit for bit against the scalar tier.
-//
-// The seed is printed and can be set: ORMIDEX_TEST_SEED=1234. Each test begins with
-// the seed anew, so that one alone repeats what it did among the others.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
@@ -13,22 +9,13 @@
 #include "convert/convert.h"
 #include "convert/guarded_buffer.h"
 #include "convert/tiers.h"
+#include "kernels/tiers_under_test.h"
 #include "platform/processor.h"
 
 namespace ormidex::convert {
 namespace {
 
 using platform::ProcessorPretence;
-
-unsigned Seed() {
-  static const unsigned seed = [] {
-    const char* given = std::getenv("ORMIDEX_TEST_SEED");
-    const unsigned chosen = given != nullptr ? static_cast<unsigned>(std::atoi(given)) : 20010917u;
-    std::printf("ORMIDEX_TEST_SEED=%u\n", chosen);
-    return chosen;
-  }();
-  return seed;
-}
 
 enum class Content { kRandom, kExtremes, kTwoLevels, kRamp, kNearlyFlat, kCheckers, kCount };
 
@@ -61,37 +48,6 @@ void Fill(Content content, std::mt19937& random, std::size_t width, GuardedBuffe
     frame.Data()[i] = static_cast<std::uint8_t>(value);
   }
 }
-
-using Routine = Status (*)(const std::uint8_t*, std::uint32_t, std::uint32_t, std::uint8_t*,
-                           std::uint32_t, std::uint32_t);
-struct Form {
-  const char* name;
-  Routine routine;
-  std::size_t sample_bytes;
-  std::size_t pixel_bytes;
-};
-constexpr Form kForms[] = {{"8 to 24", DemosaicTo24From8, 1, 3},
-                           {"16 to 24", DemosaicTo24From16, 2, 3},
-                           {"16 to 48", DemosaicTo48From16, 2, 6}};
-
-std::vector<Tier> VectorTiers() {
-  std::vector<Tier> tiers;
-  for (const Tier tier : kTiers) {
-    if (tier != Tier::kScalar && tier <= HighestTier()) tiers.push_back(tier);
-  }
-  return tiers;
-}
-
-class TierUsed {
- public:
-  explicit TierUsed(Tier tier) : before_(ActiveTier()) { UseTier(tier); }
-  TierUsed(const TierUsed&) = delete;
-  TierUsed& operator=(const TierUsed&) = delete;
-  ~TierUsed() { UseTier(before_); }
-
- private:
-  Tier before_;
-};
 
 // A map of the pixels that differ, top row first.
 std::string DifferenceMap(const GuardedBuffer& expected, const GuardedBuffer& actual,
@@ -297,7 +253,7 @@ TEST(EveryTierState, ConversionsLeaveTheUpperHalvesOfVectorRegistersClear) {
   for (const Tier tier : VectorTiers()) {
     const TierUsed used(tier);
     for (const Form& form : kForms) {
-      for (const std::uint32_t code : {0u, 1u, 2u, 3u, 4u, 5u, 16u, 17u, 18u, 255u}) {
+      for (const std::uint32_t code : kCodes) {
         __asm__ volatile("vzeroupper");
         form.routine(frame.Data(), width, height, image.Data(), code, 0);
         EXPECT_TRUE(UpperHalvesAreClear())
