@@ -51,7 +51,8 @@ def main():
             print(f"{png}: {png.stat().st_size} bytes")
     page = PROJECT / "docs/demosaic.md"
     text = page.read_text()
-    table = ("| code | chart, dB | zone plate, dB | compared |\n|---|---|---|---|\n" + rows)
+    table = ("| code | chart, dB | its patches, dB | zone plate, dB | compared |\n"
+             "|---|---|---|---|---|\n" + rows)
     text, count = re.subn(r"(<!-- quality -->\n).*?(<!-- end -->)",
                           lambda match: match[1] + table + match[2], text, flags=re.S)
     assert count == 1, "docs/demosaic.md has lost the marks around its table"

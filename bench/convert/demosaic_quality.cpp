@@ -1,12 +1,13 @@
-// Quality of the demosaic codes: draws two scenes, samples them through the mosaic,
-// converts with every code and compares with the scene.
+// Quality of the demosaic codes: samples two scenes through the mosaic, converts with
+// every code and compares with the scene.
 //
 //   demosaic_quality DIRECTORY
 //
-// Prints one Markdown table row per code and writes, for each scene, one PPM sheet of
-// enlarged crops. scripts/demosaic-pictures.py turns both into docs/demosaic.md.
+// The scenes are the simulated cameras' chart, point by point as their sensor sees it
+// through an ideal lens, and a zone plate. Prints one Markdown table row per code and
+// writes one PPM sheet of enlarged crops per place. scripts/demosaic-pictures.py turns
+// both into docs/demosaic.md.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -15,12 +16,11 @@
 #include <vector>
 
 #include "convert/convert.h"
+#include "simulator/chart.h"
 
 namespace ormidex::convert {
 namespace {
 
-constexpr std::uint32_t kWidth = 512;
-constexpr std::uint32_t kHeight = 384;
 constexpr std::uint32_t kCodes[] = {0, 1, 2, 3, 4, 5, 16, 17, 18, 255};
 
 struct Pixel {
@@ -29,96 +29,89 @@ struct Pixel {
   std::uint8_t blue;
 };
 
-struct Scene {
-  const char* name;
-  std::uint32_t crop_x;
-  std::uint32_t crop_y;
+struct Picture {
+  std::uint32_t width;
+  std::uint32_t height;
   std::vector<Pixel> pixels;
-  const Pixel& At(std::uint32_t x, std::uint32_t y) const { return pixels[y * kWidth + x]; }
+  const Pixel& At(std::uint32_t x, std::uint32_t y) const {
+    return pixels[std::size_t{y} * width + x];
+  }
 };
 
-std::uint8_t ToSample(double value) {
-  return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0, 255.0)));
+std::uint8_t ToSample(double level) {
+  return static_cast<std::uint8_t>(std::lround(std::clamp(255 * level, 0.0, 255.0)));
 }
+
+Pixel ToPixel(const simulator::Colour& light) {
+  return {ToSample(light.red), ToSample(light.green), ToSample(light.blue)};
+}
+
+constexpr std::uint32_t kPlateWidth = 512;
+constexpr std::uint32_t kPlateHeight = 384;
 
 // Rings that become finer outwards, up to 0.35 of the sampling frequency in a corner,
 // in a slowly changing tint.
-Pixel ZonePlate(double x, double y) {
-  const double radius2 = (x * x + y * y) / (kWidth * kWidth + kHeight * kHeight);
-  const double diagonal = std::hypot(kWidth, kHeight);
-  const double wave = 0.5 + 0.4 * std::cos(std::numbers::pi * 0.35 * radius2 * diagonal);
+simulator::Colour ZonePlate(double x, double y) {
+  const double diagonal = std::hypot(kPlateWidth, kPlateHeight);
+  const double wave = 0.5 + 0.4 * std::cos(std::numbers::pi * 0.35 * (x * x + y * y) / diagonal);
   const double tint = 0.15 * std::sin(x / 90.0);
-  return {ToSample(255 * wave * (0.85 + tint)), ToSample(255 * wave),
-          ToSample(255 * wave * (0.8 - tint))};
+  return {wave * (0.85 + tint), wave, wave * (0.8 - tint)};
 }
 
-// Coloured fields, slanted edges, a fan of thin lines.
-Pixel Chart(double x, double y) {
-  constexpr std::array<Pixel, 8> kFields{{{200, 40, 40},
-                                          {40, 160, 60},
-                                          {40, 60, 180},
-                                          {220, 200, 50},
-                                          {180, 60, 160},
-                                          {50, 170, 180},
-                                          {230, 230, 230},
-                                          {60, 60, 60}}};
-  const auto column = static_cast<std::size_t>(x / 64);
-  const auto row = static_cast<std::size_t>(y / 64);
-  const Pixel field = kFields[(column + 3 * row) % kFields.size()];
-  // The middle of each field is crossed by a slanted edge to half its brightness.
-  const double slant =
-      std::clamp((std::fmod(x, 64.0) - 32) + 0.2 * (std::fmod(y, 64.0) - 32) + 0.5, 0.0, 1.0);
-  const double shade = row % 2 == 0 ? 1.0 - 0.5 * slant : 1.0;
-  const double angle = std::atan2(y - 192, x - 256);
-  const double lines = std::hypot(x - 256, y - 192) < 90 ? 0.5 + 0.5 * std::cos(angle * 40) : 1.0;
-  const double factor = shade * (0.25 + 0.75 * lines);
-  return {ToSample(field.red * factor), ToSample(field.green * factor),
-          ToSample(field.blue * factor)};
-}
-
-Scene Draw(const char* name, Pixel (*scene)(double, double), std::uint32_t crop_x,
-           std::uint32_t crop_y) {
-  Scene result{name, crop_x, crop_y, {}};
-  for (std::uint32_t y = 0; y < kHeight; ++y) {
-    for (std::uint32_t x = 0; x < kWidth; ++x) result.pixels.push_back(scene(x, y));
+template <typename Light>
+Picture Draw(std::uint32_t width, std::uint32_t height, Light light) {
+  Picture picture{width, height, {}};
+  for (std::uint32_t y = 0; y < height; ++y) {
+    for (std::uint32_t x = 0; x < width; ++x) picture.pixels.push_back(ToPixel(light(x, y)));
   }
-  return result;
+  return picture;
 }
 
-std::vector<Pixel> ThroughTheMosaic(const Scene& scene, std::uint32_t code) {
+Picture DrawChart() {
+  const simulator::ChartScene chart;
+  return Draw(640, 480, [&chart](std::uint32_t x, std::uint32_t y) {
+    return chart.At(static_cast<int>(x), static_cast<int>(y));
+  });
+}
+
+Picture ThroughTheMosaic(const Picture& scene, std::uint32_t code) {
   std::vector<std::uint8_t> raw;
-  for (std::uint32_t y = 0; y < kHeight; ++y) {
-    for (std::uint32_t x = 0; x < kWidth; ++x) {
+  for (std::uint32_t y = 0; y < scene.height; ++y) {
+    for (std::uint32_t x = 0; x < scene.width; ++x) {
       const Pixel& pixel = scene.At(x, y);
       const std::uint8_t non_green = y % 2 == 0 ? pixel.red : pixel.blue;
       raw.push_back(x % 2 == y % 2 ? non_green : pixel.green);
     }
   }
   std::vector<std::uint8_t> image(3 * raw.size());
-  DemosaicTo24From8(raw.data(), kWidth, kHeight, image.data(), code, 0);
-  std::vector<Pixel> result;
-  for (std::uint32_t y = 0; y < kHeight; ++y) {
-    for (std::uint32_t x = 0; x < kWidth; ++x) {
-      const std::uint8_t* place = image.data() + 3 * ((kHeight - 1 - y) * kWidth + x);
-      result.push_back({place[2], place[1], place[0]});
+  DemosaicTo24From8(raw.data(), scene.width, scene.height, image.data(), code, 0);
+  Picture result{scene.width, scene.height, {}};
+  for (std::uint32_t y = 0; y < scene.height; ++y) {
+    for (std::uint32_t x = 0; x < scene.width; ++x) {
+      const std::size_t pixel = std::size_t{scene.height - 1 - y} * scene.width + x;
+      const std::uint8_t* place = image.data() + 3 * pixel;
+      result.pixels.push_back({place[2], place[1], place[0]});
     }
   }
   return result;
 }
 
-// Over the three channels, in dB, without a border of 4 pixels. Grey codes are
-// compared with the scene's green.
-double Psnr(const Scene& scene, const std::vector<Pixel>& result, bool grey) {
+struct Area {
+  std::uint32_t left, top, right, bottom;
+};
+
+// Over the three channels, in dB. Grey codes are compared with the scene's green.
+double Psnr(const Picture& scene, const Picture& result, const Area& area, bool grey) {
   double sum = 0;
   double count = 0;
-  for (std::uint32_t y = 4; y + 4 < kHeight; ++y) {
-    for (std::uint32_t x = 4; x + 4 < kWidth; ++x) {
+  const auto add = [&](int a, int b) {
+    sum += (a - b) * (a - b);
+    ++count;
+  };
+  for (std::uint32_t y = area.top; y < area.bottom; ++y) {
+    for (std::uint32_t x = area.left; x < area.right; ++x) {
       const Pixel& wanted = scene.At(x, y);
-      const Pixel& found = result[y * kWidth + x];
-      const auto add = [&](int a, int b) {
-        sum += (a - b) * (a - b);
-        ++count;
-      };
+      const Pixel& found = result.At(x, y);
       add(wanted.green, found.green);
       if (!grey) {
         add(wanted.red, found.red);
@@ -128,6 +121,14 @@ double Psnr(const Scene& scene, const std::vector<Pixel>& result, bool grey) {
   }
   return 10 * std::log10(255.0 * 255.0 * count / sum);
 }
+
+// What is shown, by its top left corner.
+struct Place {
+  const char* name;
+  const Picture& scene;
+  std::uint32_t x;
+  std::uint32_t y;
+};
 
 constexpr std::uint32_t kCrop = 48;
 constexpr std::uint32_t kZoom = 4;
@@ -141,14 +142,13 @@ class Sheet {
  public:
   Sheet() : pixels_(std::size_t{kSheetWidth} * kSheetHeight, Pixel{255, 255, 255}) {}
 
-  void Add(const Scene& scene, const std::vector<Pixel>& picture) {
+  void Add(const Place& place, const Picture& picture) {
     const std::uint32_t left = tiles_ % kTilesAcross * (kTile + kGap);
     const std::uint32_t top = tiles_ / kTilesAcross * (kTile + kGap);
     for (std::uint32_t y = 0; y < kTile; ++y) {
       for (std::uint32_t x = 0; x < kTile; ++x) {
-        const std::size_t source =
-            (scene.crop_y + y / kZoom) * std::size_t{kWidth} + scene.crop_x + x / kZoom;
-        pixels_[(top + y) * std::size_t{kSheetWidth} + left + x] = picture[source];
+        pixels_[(top + y) * std::size_t{kSheetWidth} + left + x] =
+            picture.At(place.x + x / kZoom, place.y + y / kZoom);
       }
     }
     ++tiles_;
@@ -169,24 +169,36 @@ class Sheet {
   std::uint32_t tiles_ = 0;
 };
 
+Area WithoutBorder(const Picture& scene) { return {4, 4, scene.width - 4, scene.height - 4}; }
+
+// A row of the table: the chart, its colour patches alone, the zone plate.
+void PrintQuality(const Picture& chart, const Picture& plate, std::uint32_t code) {
+  constexpr Area kPatches = {24, 24, 616, 184};
+  const bool grey = code >= 16 && code <= 18;
+  const Picture of_chart = ThroughTheMosaic(chart, code);
+  const Picture of_plate = ThroughTheMosaic(plate, code);
+  std::printf(
+      "| %u | %.1f | %.1f | %.1f | %s |\n", code, Psnr(chart, of_chart, WithoutBorder(chart), grey),
+      Psnr(chart, of_chart, kPatches, grey), Psnr(plate, of_plate, WithoutBorder(plate), grey),
+      grey ? "green" : "red, green, blue");
+}
+
 int Run(const std::string& directory) {
-  const Scene scenes[] = {Draw("chart", Chart, 232, 100), Draw("zone-plate", ZonePlate, 330, 230)};
-  for (const Scene& scene : scenes) {
+  const Picture chart = DrawChart();
+  const Picture plate = Draw(kPlateWidth, kPlateHeight, ZonePlate);
+  const Place places[] = {{"chart-patches", chart, 300, 82},
+                          {"chart-bars", chart, 440, 248},
+                          {"zone-plate", plate, 330, 230}};
+  for (const Place& place : places) {
     Sheet sheet;
-    sheet.Add(scene, scene.pixels);
-    for (const std::uint32_t code : kCodes) sheet.Add(scene, ThroughTheMosaic(scene, code));
-    if (!sheet.Write(directory + "/demosaic-" + scene.name + ".ppm")) {
+    sheet.Add(place, place.scene);
+    for (const std::uint32_t code : kCodes) sheet.Add(place, ThroughTheMosaic(place.scene, code));
+    if (!sheet.Write(directory + "/demosaic-" + place.name + ".ppm")) {
       std::fprintf(stderr, "cannot write to %s\n", directory.c_str());
       return 1;
     }
   }
-  for (const std::uint32_t code : kCodes) {
-    const bool grey = code >= 16 && code <= 18;
-    std::printf("| %u | %.1f | %.1f | %s |\n", code,
-                Psnr(scenes[0], ThroughTheMosaic(scenes[0], code), grey),
-                Psnr(scenes[1], ThroughTheMosaic(scenes[1], code), grey),
-                grey ? "green" : "red, green, blue");
-  }
+  for (const std::uint32_t code : kCodes) PrintQuality(chart, plate, code);
   return 0;
 }
 
