@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -17,10 +18,20 @@ namespace {
 
 using platform::ProcessorPretence;
 
-enum class Content { kRandom, kExtremes, kTwoLevels, kRamp, kNearlyFlat, kCheckers, kCount };
+enum class Content {
+  kRandom,
+  kExtremes,
+  kTwoLevels,
+  kRamp,
+  kNearlyFlat,
+  kNearlyFlatWords,
+  kCheckers,
+  kCount
+};
 
 // Worst cases beside noise: only the two ends of the range; two neighbouring values,
-// where roundings differ; slow ramps; near-flat fields about the edge threshold.
+// where roundings differ; slow ramps; near-flat fields about the edge threshold, which
+// is the same for 8-bit and 16-bit samples.
 void Fill(Content content, std::mt19937& random, std::size_t width, GuardedBuffer& frame) {
   for (std::size_t i = 0; i < frame.Size(); ++i) {
     const auto noise = static_cast<unsigned>(random());
@@ -38,6 +49,9 @@ void Fill(Content content, std::mt19937& random, std::size_t width, GuardedBuffe
         break;
       case Content::kNearlyFlat:
         value = 120 + noise % 24;
+        break;
+      case Content::kNearlyFlatWords:
+        value = (i & 1) != 0 ? 120 : noise % 24;
         break;
       case Content::kCheckers:
         value = ((x + i / width) & 1) != 0 ? 255 : 0;
@@ -190,33 +204,70 @@ TEST(EveryTierMono, EqualsTheScalarTierOnEverySize) {
 
 // ---- Colour correction -----------------------------------------------------
 
-TEST(EveryTierColorCorrection, EqualsTheScalarTierForEveryAmount) {
-  std::mt19937 random(Seed());
-  for (std::int32_t amount = -1000; amount <= 1000;
-       amount += amount > -150 && amount < 150 ? 1 : 37) {
-    const std::size_t pixels = 200 + random() % 200;
-    const std::size_t offset = random() % 67;
-    GuardedBuffer original(3 * pixels, offset);
-    Fill(Content::kRandom, random, 3 * pixels, original);
-    // Greys and full channels, where the exact value is at or near an integer.
-    for (std::size_t i = 0; i < 3 * pixels / 2; ++i) {
-      original.Data()[i] = static_cast<std::uint8_t>(i % 7 == 0 ? 255 : i / 3 % 256);
-    }
-    GuardedBuffer expected = original;
-    {
-      const TierUsed scalar(Tier::kScalar);
-      ColorCorrect(expected.Data(), pixels, amount, false);
-    }
-    for (const Tier tier : VectorTiers()) {
-      const TierUsed used(tier);
-      GuardedBuffer actual = original;
-      ColorCorrect(actual.Data(), pixels, amount, false);
-      SCOPED_TRACE(testing::Message() << TierName(tier) << ", amount " << amount);
-      actual.ExpectGuardsIntact();
-      ASSERT_EQ(expected.Contents(), actual.Contents());
+// Noise, greys and full channels, where the exact value is at or near an integer.
+void FillForCorrection(std::mt19937& random, bool wide, GuardedBuffer& image) {
+  Fill(Content::kRandom, random, 1, image);
+  const std::size_t channel_bytes = wide ? 2 : 1;
+  const std::size_t structured = image.Size() / channel_bytes / 2;
+  for (std::size_t i = 0; i < structured; ++i) {
+    const std::size_t value = i % 7 == 0 ? 255 : i / 3 % 256;
+    for (std::size_t byte = 0; byte < channel_bytes; ++byte) {
+      image.Data()[i * channel_bytes + byte] = static_cast<std::uint8_t>(value);
     }
   }
 }
+
+void CompareCorrection(std::mt19937& random, std::size_t pixels, std::int32_t amount, bool wide) {
+  const std::size_t offset = random() % 67;
+  GuardedBuffer original((wide ? 6 : 3) * pixels, offset);
+  FillForCorrection(random, wide, original);
+  GuardedBuffer expected = original;
+  {
+    const TierUsed scalar(Tier::kScalar);
+    ColorCorrect(expected.Data(), pixels, amount, wide);
+  }
+  for (const Tier tier : VectorTiers()) {
+    const TierUsed used(tier);
+    GuardedBuffer actual = original;
+    ColorCorrect(actual.Data(), pixels, amount, wide);
+    SCOPED_TRACE(testing::Message() << TierName(tier) << ", amount " << amount << ", " << pixels
+                                    << (wide ? " wide" : "") << " pixels, offset " << offset);
+    actual.ExpectGuardsIntact();
+    ASSERT_EQ(expected.Contents(), actual.Contents());
+  }
+}
+
+class EveryTierColorCorrection : public testing::TestWithParam<bool> {};
+
+TEST_P(EveryTierColorCorrection, EqualsTheScalarTierForEveryAmount) {
+  std::mt19937 random(Seed());
+  for (std::int32_t amount = -1000; amount <= 1000;
+       amount += amount > -150 && amount < 150 ? 1 : 37) {
+    CompareCorrection(random, 200 + random() % 200, amount, GetParam());
+    if (HasFatalFailure()) return;
+  }
+  for (const std::int32_t amount :
+       {std::numeric_limits<std::int32_t>::min(), -54321, -12345, 5000, 32767, 65536, 16777217,
+        std::numeric_limits<std::int32_t>::max()}) {
+    CompareCorrection(random, 200, amount, GetParam());
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_P(EveryTierColorCorrection, EqualsTheScalarTierOnEveryNumberOfPixels) {
+  std::mt19937 random(Seed());
+  for (std::size_t pixels = 0; pixels <= 150; ++pixels) {
+    for (const std::int32_t amount : {-100, -7, 30, 100, 333}) {
+      CompareCorrection(random, pixels, amount, GetParam());
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, EveryTierColorCorrection, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& wide) {
+                           return wide.param ? "Of48Bits" : "Of24Bits";
+                         });
 
 // ---- What a kernel leaves behind -------------------------------------------
 
@@ -264,8 +315,11 @@ TEST(EveryTierState, ConversionsLeaveTheUpperHalvesOfVectorRegistersClear) {
     EXPECT_TRUE(UpperHalvesAreClear()) << TierName(tier) << ", mono, 8 bits";
     ExpandMono16(frame.Data(), width, height, image.Data());
     EXPECT_TRUE(UpperHalvesAreClear()) << TierName(tier) << ", mono, 16 bits";
-    ColorCorrect(image.Data(), std::size_t{width} * height, 30, false);
-    EXPECT_TRUE(UpperHalvesAreClear()) << TierName(tier) << ", colour correction";
+    for (const bool wide : {false, true}) {
+      ColorCorrect(image.Data(), std::size_t{width} * height, 30, wide);
+      EXPECT_TRUE(UpperHalvesAreClear())
+          << TierName(tier) << ", colour correction" << (wide ? ", wide" : "");
+    }
   }
 }
 
