@@ -127,14 +127,28 @@ class RowDrive {
   std::uint8_t* Out(std::size_t y) const { return code_.Out(y) + begin_ * Code::kOutBytes; }
 
   std::size_t OneRow(std::size_t y) {
-    std::uint8_t* const out = target_.Begin(Out(y), 1);
-    const RowJob job = JobFor(y, out);
+    // Away from the frame's ends the rows before and after lie on either side.
+    const bool has_margin = rows_.HasMargin() && y >= 3 && y + 3 < code_.frame.height;
+    const bool past_cache = has_margin && target_.TakesDirectly(Out(y));
+    std::uint8_t* const out = past_cache ? target_.BeginDirectly(Out(y)) : target_.Begin(Out(y), 1);
+    RowJob job = JobFor(y, out);
+    job.has_margin = has_margin;
+    job.past_cache = past_cache;
     ColumnSpan done = code_.Kernel(kernels_, y)(job);
     for (const Kernels* lower = LowerTier(&kernels_); done.begin == done.end && lower != nullptr;
          lower = LowerTier(lower)) {
+      job.past_cache = false;
       done = code_.Kernel(*lower, y)(job);
     }
-    // What a kernel wrote within its reach of the frame's ends is not valid.
+    FinishRow(y, done, out);
+    if (!past_cache) {
+      target_.Finish();
+    }
+    return 1;
+  }
+
+  // What a kernel wrote within its reach of the frame's ends is not valid.
+  void FinishRow(std::size_t y, const ColumnSpan& done, std::uint8_t* out) const {
     const std::size_t first = rows_.FirstColumn();
     const std::size_t valid_begin = std::max(first + done.begin, kReach);
     const std::size_t valid_end = std::min(first + done.end, code_.frame.width - kReach);
@@ -142,8 +156,6 @@ class RowDrive {
     const std::size_t left_end = any ? std::clamp(valid_begin, begin_, end_) : end_;
     Pixels(y, begin_, left_end, out);
     Pixels(y, any ? std::clamp(valid_end, left_end, end_) : end_, end_, out);
-    target_.Finish();
-    return 1;
   }
 
   // The number of rows from y on that were made in pairs: none where the code has no
@@ -235,8 +247,6 @@ class RowDrive {
     job.width = std::min(rows_.Width(), code_.Columns() - first);
     job.has_red = kind.has_red;
     job.starts_green = kind.IsGreen(first);
-    // Away from the frame's ends the rows before and after lie on either side.
-    job.has_margin = rows_.HasMargin() && y >= 3 && y + 3 < code_.frame.height;
     return job;
   }
 

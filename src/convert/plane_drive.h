@@ -44,9 +44,13 @@ class PlaneDrive {
       for (; made <= y + 1 && made < height_; ++made) {
         MakeDifferences(made);
       }
-      std::uint8_t* const out = target_.Begin(code_.frame.ImageRow(y), 1);
-      MakePixels(y, out);
-      target_.Finish();
+      std::uint8_t* const place = code_.frame.ImageRow(y);
+      const bool past_cache = target_.TakesDirectly(place);
+      MakePixels(y, past_cache ? target_.BeginDirectly(place) : target_.Begin(place, 1),
+                 past_cache);
+      if (!past_cache) {
+        target_.Finish();
+      }
     }
   }
 
@@ -94,8 +98,9 @@ class PlaneDrive {
     }
   }
 
-  void MakePixels(std::size_t y, std::uint8_t* out) {
+  void MakePixels(std::size_t y, std::uint8_t* out, bool past_cache) {
     ColourJob job{};
+    job.past_cache = past_cache;
     job.row = rows_.At(y, 0);
     job.differences_above = Differences(y, -1);
     job.differences = Differences(y, 0);

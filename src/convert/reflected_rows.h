@@ -138,17 +138,22 @@ class ReflectedDrive {
 
   void Run() {
     for (std::size_t y = 0; y < code_.Rows(); ++y) {
-      std::uint8_t* const out = target_.Begin(Out(y), 1);
-      Row(y, out);
-      target_.Finish();
+      const bool past_cache = target_.TakesDirectly(Out(y));
+      std::uint8_t* const out =
+          past_cache ? target_.BeginDirectly(Out(y)) : target_.Begin(Out(y), 1);
+      Row(y, out, past_cache);
+      if (!past_cache) {
+        target_.Finish();
+      }
     }
   }
 
  private:
   std::uint8_t* Out(std::size_t y) const { return code_.Out(y) + begin_ * Code::kOutBytes; }
 
-  void Row(std::size_t y, std::uint8_t* out) {
+  void Row(std::size_t y, std::uint8_t* out, bool past_cache) {
     RowJob job{};
+    job.past_cache = past_cache;
     rows_.SetRows(y, job);
     job.out = out;
     job.next_out = target_.prefetches() && y + 1 < code_.Rows() ? Out(y + 1) : nullptr;

@@ -10,8 +10,8 @@
 #include "convert/kernels/pairs.inc"
 #include "convert/kernels/mono.inc"
 #include "convert/kernels/bilinear.inc"
-#include "convert/kernels/edge_bilinear.inc"
 #include "convert/kernels/cell.inc"
+#include "convert/kernels/edge_bilinear.inc"
 #include "convert/kernels/planes.inc"
 #include "convert/kernels/variable_gradients.inc"
 #include "convert/kernels/color_correct.inc"
@@ -22,11 +22,11 @@ namespace ormidex::convert {
 extern const Kernels kAvx2Kernels = {
     .tier = "avx2",
     .vector_bytes = kVectorBytes,
-    .bilinear_portable = {BilinearRow<Lanes8, Means::kPortable>,
-                          BilinearRow<Lanes16, Means::kPortable>},
+    .bilinear_portable = {BilinearPortableRow<Lanes8>,
+                          BilinearPortableRow<Lanes16>},
     .bilinear_edge = {BilinearEdgeRow<Lanes8>, BilinearEdgeRow<Lanes16>},
-    .bilinear_mmx = BilinearRow<Lanes8, Means::kMmx>,
-    .bilinear_extended = BilinearRow<Lanes8, Means::kExtended>,
+    .bilinear_mmx = BilinearMmxRow<Lanes8>,
+    .bilinear_extended = BilinearExtendedRow<Lanes8>,
     .bilinear_two_portable = {BilinearTwoRows<Lanes8, Means::kPortable>,
                               BilinearTwoRows<Lanes16, Means::kPortable>},
     .bilinear_two_mmx = BilinearTwoRows<Lanes8, Means::kMmx>,

@@ -43,6 +43,9 @@ struct RowJob {
   // and the pixels within a kernel's reach of the ends may be written, to be overwritten by the
   // caller.
   bool has_margin;
+  // The inner columns are stored past the caches, to places that a kernel's steps meet
+  // aligned. The caller ends the stream.
+  bool past_cache;
 };
 
 // A row for codes 3 and 4's second pass: its samples, and for each pair of columns the
@@ -59,6 +62,7 @@ struct ColourJob {
   Stream* stream;
   std::size_t width;
   bool has_red;
+  bool past_cache;
 };
 
 // A row of a monochrome frame.

@@ -219,8 +219,9 @@ struct Lanes8 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return _mm256_blendv_epi8(otherwise, then, _mm256_cmpeq_epi8(test, _mm256_setzero_si256()));
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    StoreHalves(out, GreyPart<0>(grey), GreyPart<1>(grey), GreyPart<2>(grey));
+    StoreHalves<kWay>(out, GreyPart<0>(grey), GreyPart<1>(grey), GreyPart<2>(grey));
   }
   static Vector One() { return _mm256_set1_epi8(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm256_avg_epu8(a, b); }
@@ -257,8 +258,9 @@ struct Lanes16 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return _mm256_blendv_epi8(otherwise, then, _mm256_cmpeq_epi16(test, _mm256_setzero_si256()));
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    StoreHalves(out, GreyPart<0>(grey), GreyPart<1>(grey), GreyPart<2>(grey));
+    StoreHalves<kWay>(out, GreyPart<0>(grey), GreyPart<1>(grey), GreyPart<2>(grey));
   }
   static Vector One() { return _mm256_set1_epi16(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm256_avg_epu16(a, b); }

@@ -221,10 +221,11 @@ struct Lanes8 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return _mm512_mask_blend_epi8(_mm512_test_epi8_mask(test, test), then, otherwise);
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    Store(out, GreyPart<0>(grey));
-    Store(out + 64, GreyPart<1>(grey));
-    Store(out + 128, GreyPart<2>(grey));
+    Put<kWay>(out, GreyPart<0>(grey));
+    Put<kWay>(out + 64, GreyPart<1>(grey));
+    Put<kWay>(out + 128, GreyPart<2>(grey));
   }
   static Vector One() { return _mm512_set1_epi8(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu8(a, b); }
@@ -268,10 +269,11 @@ struct Lanes16 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return _mm512_mask_blend_epi16(_mm512_test_epi16_mask(test, test), then, otherwise);
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    Store(out, GreyPart<0>(grey));
-    Store(out + 64, GreyPart<1>(grey));
-    Store(out + 128, GreyPart<2>(grey));
+    Put<kWay>(out, GreyPart<0>(grey));
+    Put<kWay>(out + 64, GreyPart<1>(grey));
+    Put<kWay>(out + 128, GreyPart<2>(grey));
   }
   static Vector One() { return _mm512_set1_epi16(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm512_avg_epu16(a, b); }

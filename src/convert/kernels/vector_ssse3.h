@@ -205,10 +205,11 @@ struct Lanes8 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return Merge(_mm_cmpeq_epi8(test, _mm_setzero_si128()), otherwise, then);
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    Store(out, GreyPart<0>(grey));
-    Store(out + 16, GreyPart<1>(grey));
-    Store(out + 32, GreyPart<2>(grey));
+    Put<kWay>(out, GreyPart<0>(grey));
+    Put<kWay>(out + 16, GreyPart<1>(grey));
+    Put<kWay>(out + 32, GreyPart<2>(grey));
   }
   static Vector One() { return _mm_set1_epi8(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm_avg_epu8(a, b); }
@@ -245,10 +246,11 @@ struct Lanes16 {
   static Vector IfZero(Vector test, Vector then, Vector otherwise) {
     return Merge(_mm_cmpeq_epi16(test, _mm_setzero_si128()), otherwise, then);
   }
+  template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
-    Store(out, GreyPart<0>(grey));
-    Store(out + 16, GreyPart<1>(grey));
-    Store(out + 32, GreyPart<2>(grey));
+    Put<kWay>(out, GreyPart<0>(grey));
+    Put<kWay>(out + 16, GreyPart<1>(grey));
+    Put<kWay>(out + 32, GreyPart<2>(grey));
   }
   static Vector One() { return _mm_set1_epi16(1); }
   static Vector MeanUp(Vector a, Vector b) { return _mm_avg_epu16(a, b); }
