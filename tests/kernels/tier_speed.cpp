@@ -73,6 +73,7 @@ void PrintTable() {
   // There and back, so that the image does not end at its limits.
   std::int32_t amount = 30;
   for (const bool wide : {false, true}) {
+    for (std::uint8_t& byte : image) byte = static_cast<std::uint8_t>(random());
     PrintRow(wide ? "colour correction, 48-bit" : "colour correction, 24-bit", [&] {
       ColorCorrect(image.data(), kPixels, amount, wide);
       amount = -amount;
