@@ -3,8 +3,8 @@
 
 usage: make_man.py HEADER OUTPUT-DIR
 
-One page for each group of functions, ormidex_GROUP.3, and ormidex.3 that names
-them all.
+One page for each group of functions, ormidex_GROUP.3, under the name of each
+function as well, and ormidex.3 that names them all.
 """
 
 import pathlib
@@ -81,6 +81,8 @@ def main():
             continue
         title, names, body = page(name, functions)
         (folder / f"{title}.3").write_text(body)
+        for function in names:
+            (folder / f"{function}.3").write_text(f".so man3/{title}.3\n")
         index += [".TP", f".BR {title} (3)", ", ".join(names)]
         count += len(names)
     (folder / "ormidex.3").write_text("\n".join(index) + "\n")

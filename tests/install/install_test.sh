@@ -47,6 +47,10 @@ for program in "$folder/c" "$folder/cpp" "$folder/c-build/first_picture" \
   step "its picture has its size" test "$(stat -c %s "$folder/picture.bmp")" = $((54 + 921600))
   rm -f "$folder/picture.bmp"
 done
+step "each function has a manual page" test \
+  "$(grep -l '^[.]so man3/ormidex_' "$prefix"/share/man/man3/Ormidex*.3 | wc -l)" = 97
+step "a function's page is its group's" grep -q OrmidexSetGamma \
+  "$prefix/share/man/$(sed -n 's/^[.]so //p' "$prefix/share/man/man3/OrmidexSetGamma.3")"
 step "the tool runs" "$prefix/bin/ormidex" list
 export PYTHONPATH
 PYTHONPATH=$(dirname "$(dirname "$(find "$folder/moved" -name '__init__.py')")")

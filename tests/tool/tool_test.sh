@@ -119,6 +119,28 @@ check_full_output trace --simulate pace=fast
 check "a sequence" 0 "" record --simulate -n 3 -o "$folder/r-####.raw"
 expect "its metadata have a line a frame" "$(wc -l < "$folder/r.jsonl")" 3
 expect "frames are numbered" "$(stat -c %s "$folder/r-0002.raw")" 307200
+expect "they say how the frame was taken" "$(python3 -c 'import json, sys
+line = json.loads(sys.stdin.readline())
+print(*sorted(line), *sorted(set(line["settings"]) & {"exposure", "gain-red", "window"}))' \
+  < "$folder/r.jsonl")" "bayer-phase bits file frame height lost-before seconds settings width \
+exposure gain-red window"
+check "a sequence numbered as printf does" 0 "" \
+  record -q --simulate pace=fast -n 2 -o "$folder/p%03d.tif"
+expect "its second frame" "$(stat -c %s "$folder/p001.tif")" $((146 + 640 * 480 * 3))
+for ending in bmp jpg; do
+  check "a sequence of $ending files" 0 "" \
+    record -q --simulate pace=fast -n 2 -o "$folder/$ending-#.$ending"
+done
+check "seconds instead of frames" 0 "" record -q --simulate -t 1 -o "$folder/sec-##.raw"
+expect "of the time" "$([ -e "$folder/sec-02.raw" ] && [ ! -e "$folder/sec-60.raw" ] && echo yes)" yes
+expect "a frame on standard output" \
+  "$("$tool" capture --simulate pace=fast -o - 2> "$folder/err" | wc -c)" 307200
+expect "with nothing else said" "$(wc -c < "$folder/err")" 0
+"$tool" capture -q --simulate pace=fast -o "$folder/quiet.bmp" > "$folder/out" 2>&1
+expect "quiet is quiet" "$(wc -c < "$folder/out")" 0
+"$tool" capture -v --simulate pace=fast -o "$folder/verbose.bmp" > "$folder/out" 2> "$folder/err"
+expect "verbose says more, on standard error" "$(grep -c 'opened camera 0' "$folder/err")" 1
+expect "and not on standard output" "$(grep -c 'opened camera' "$folder/out")" 0
 check "a sequence without a number" 2 "no place for the frame number" \
   record --simulate -n 3 -o "$folder/r.raw"
 # script(1) gives the recording a terminal.
