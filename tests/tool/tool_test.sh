@@ -167,6 +167,10 @@ check "white balance" 0 "gain-blue=" auto white-balance --simulate tint=tungsten
 check "a register" 0 "0x50" register read 0x0F --simulate
 check "a camera that another program holds" 4 "another program may hold it" \
   capture --simulate fault=busy -o "$folder/busy.bmp"
+check "a camera that answers no request" 4 "unplug it and plug it in again" \
+  info --simulate fault=fail:get-hardware-word
+check "a camera unplugged while it is opened" 6 "unplugged while it was opened" \
+  info --simulate fault=unplug:20
 check "a busy camera among others is left out of no listing unsaid" 4 "camera 1 cannot be opened" \
   list --simulate "1;fault=busy"
 check "a trace in words" 0 "START_STREAM +<- 640 x 480, 307200 bytes" trace --simulate

@@ -33,6 +33,24 @@ void UseSimulator(const std::string& description) {
   SetEnvironment("ORMIDEX_SIMULATOR", description.empty() ? "1" : description);
 }
 
+namespace {
+
+// The camera was counted, so it was there. Where the system lists the cameras itself,
+// one that it does not hand out shows by its first request only.
+[[noreturn]] void FailOpening(OrmidexUInt32 index) {
+  if (index >= CountCameras()) {
+    throw ToolError(kExitCameraLost,
+                    fmt::format("camera {} was unplugged while it was opened", index));
+  }
+  throw ToolError(kExitBusy,
+                  fmt::format("camera {} cannot be opened; another program may hold it, or you "
+                              "may lack the permission to use it; if neither is so, unplug it "
+                              "and plug it in again",
+                              index));
+}
+
+}  // namespace
+
 Camera::Camera(OrmidexUInt32 index) : index_(index) {
   const OrmidexUInt32 count = CountCameras();
   if (count == 0) {
@@ -45,13 +63,7 @@ Camera::Camera(OrmidexUInt32 index) : index_(index) {
                     count == 1 ? "is" : "are", count));
   }
   const OrmidexStatus status = OrmidexInitialize(kDeviceTypeName, index, &handle_);
-  // The camera was counted, so it is there: someone else holds it.
-  if (status == ORMIDEX_NO_CAMERA) {
-    throw ToolError(kExitBusy,
-                    fmt::format("camera {} cannot be opened; another program may hold it, or you "
-                                "may lack the permission to use it",
-                                index));
-  }
+  if (status == ORMIDEX_NO_CAMERA || status == ORMIDEX_REQUEST_FAILED) FailOpening(index);
   Check(status, fmt::format("opening camera {}", index));
 }
 
