@@ -15,5 +15,5 @@ for entry in json.load(open("build/release/compile_commands.json")):
         print(name)
 PY
 )
-printf '%s\0' "${files[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/release --quiet \
+printf '%s\0' "${files[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option \
   --warnings-as-errors='*'

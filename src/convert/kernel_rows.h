@@ -183,7 +183,7 @@ class RowDrive {
     if (!code_.TwoRowsEnds()) {
       std::uint8_t* out_below = job.out_below;
       for (std::size_t pair = 0; pair < job.pairs; ++pair, out_below += job.out_step) {
-        code_.Ends(y + 2 * pair, out_below + target_.row_bytes());
+        code_.Ends(y + 2 * pair, out_below + target_.RowBytes());
         code_.Ends(y + 2 * pair + 1, out_below);
       }
     }
@@ -195,7 +195,7 @@ class RowDrive {
   // Pairs that one call may do: all in a frame that is read where it stands and written
   // where it belongs, but few where the ends are done afterwards, for the cache's sake.
   std::size_t PairsFrom(std::size_t y) const {
-    if (!rows_.HasMargin() || (target_.streams() && !target_.TakesDirectly(Out(y)))) {
+    if (!rows_.HasMargin() || (target_.Streams() && !target_.TakesDirectly(Out(y)))) {
       return 1;
     }
     const std::size_t all = (code_.frame.height - 1 - y) / 2;
@@ -217,12 +217,12 @@ class RowDrive {
     job.below2 = rows_.Row(y + 2);
     job.past_cache = target_.TakesDirectly(Out(y + 1));
     job.out_below = job.past_cache ? Out(y + 1) : target_.Begin(Out(y + 1), 2);
-    job.out = job.out_below + target_.row_bytes();
-    if (target_.prefetches() && y + 3 < code_.Rows()) {
+    job.out = job.out_below + target_.RowBytes();
+    if (target_.Prefetches() && y + 3 < code_.Rows()) {
       job.next_out = Out(y + 2);
       job.next_out_below = Out(y + 3);
     }
-    job.stream = target_.stream();
+    job.stream = target_.Underway();
     job.width = code_.frame.width;
     job.has_red = code_.Kind(y).has_red;
     job.pairs = PairsFrom(y);
@@ -240,10 +240,10 @@ class RowDrive {
     job.row = RowAt(y, 0);
     job.below = RowAt(y, 1);
     job.out = out - (begin_ - first) * Code::kOutBytes;
-    job.next_out = target_.prefetches() && y + 1 < code_.Rows()
+    job.next_out = target_.Prefetches() && y + 1 < code_.Rows()
                        ? Out(y + 1) - (begin_ - first) * Code::kOutBytes
                        : nullptr;
-    job.stream = target_.stream();
+    job.stream = target_.Underway();
     job.width = std::min(rows_.Width(), code_.Columns() - first);
     job.has_red = kind.has_red;
     job.starts_green = kind.IsGreen(first);

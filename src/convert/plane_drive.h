@@ -106,8 +106,8 @@ class PlaneDrive {
     job.differences = Differences(y, 0);
     job.differences_below = Differences(y, 1);
     job.out = out;
-    job.next_out = target_.prefetches() && y + 1 < height_ ? code_.frame.ImageRow(y + 1) : nullptr;
-    job.stream = target_.stream();
+    job.next_out = target_.Prefetches() && y + 1 < height_ ? code_.frame.ImageRow(y + 1) : nullptr;
+    job.stream = target_.Underway();
     job.width = width_;
     job.has_red = KindOfRow(kFixedPhase, y).has_red;
     const ColourKernel kernel = kLane == 1 ? kernels_.colour_narrow : kernels_.colour_wide;

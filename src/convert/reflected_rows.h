@@ -156,8 +156,8 @@ class ReflectedDrive {
     job.past_cache = past_cache;
     rows_.SetRows(y, job);
     job.out = out;
-    job.next_out = target_.prefetches() && y + 1 < code_.Rows() ? Out(y + 1) : nullptr;
-    job.stream = target_.stream();
+    job.next_out = target_.Prefetches() && y + 1 < code_.Rows() ? Out(y + 1) : nullptr;
+    job.stream = target_.Underway();
     job.width = end_ - begin_;
     job.has_red = code_.Kind(y).has_red;
     const std::size_t done = code_.Kernel(kernels_, y)(job).end;

@@ -76,10 +76,10 @@ class RowTarget {
     }
   }
   // For the kernels, to move on while they work; or null.
-  Stream* stream() { return streams_ ? &stream_ : nullptr; }
-  bool streams() const { return streams_; }
-  bool prefetches() const { return prefetches_; }
-  std::size_t row_bytes() const { return row_bytes_; }
+  Stream* Underway() { return streams_ ? &stream_ : nullptr; }
+  bool Streams() const { return streams_; }
+  bool Prefetches() const { return prefetches_; }
+  std::size_t RowBytes() const { return row_bytes_; }
 
  private:
   // A row of 4096 pixels of 6 bytes.

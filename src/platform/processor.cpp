@@ -1,7 +1,9 @@
 #include "platform/processor.h"
 
 #include <cpuid.h>
-#if __has_include(<sys/platform/x86.h>)
+// The header is written for compilers that know _Bool in C++.
+#if __has_include(<sys/platform/x86.h>) && !defined(__clang__)
+#define ORMIDEX_ASKS_C_LIBRARY
 #include <sys/platform/x86.h>
 #endif
 
@@ -36,7 +38,7 @@ constexpr bool Bit(unsigned word, int index) { return ((word >> index) & 1u) != 
 // microseconds under a hypervisor, a sixth of a small picture's conversion.
 constexpr int kMmxBit = 23;
 constexpr int kExtendedBit = 25;
-#if __has_include(<sys/platform/x86.h>)
+#ifdef ORMIDEX_ASKS_C_LIBRARY
 bool HasBasicFeature(int bit) {
   static_assert(x86_cpu_MMX == 3 * 32 + kMmxBit && x86_cpu_SSE == 3 * 32 + kExtendedBit,
                 "the C library counts the bits of leaf 1 in the order EAX, EBX, ECX, EDX");

@@ -22,8 +22,7 @@ namespace ormidex::convert {
 extern const Kernels kAvx2Kernels = {
     .tier = "avx2",
     .vector_bytes = kVectorBytes,
-    .bilinear_portable = {BilinearPortableRow<Lanes8>,
-                          BilinearPortableRow<Lanes16>},
+    .bilinear_portable = {BilinearPortableRow<Lanes8>, BilinearPortableRow<Lanes16>},
     .bilinear_edge = {BilinearEdgeRow<Lanes8>, BilinearEdgeRow<Lanes16>},
     .bilinear_mmx = BilinearMmxRow<Lanes8>,
     .bilinear_extended = BilinearExtendedRow<Lanes8>,
