@@ -214,7 +214,7 @@ follower=$!
   -o "$folder/live-#.raw" 2> "$folder/writer" &
 writer=$!
 for _ in $(seq 300); do
-  if grep -q READ_FRAME "$folder/followed"; then break; fi
+  if grep -qs READ_FRAME "$folder/followed"; then break; fi
   sleep 0.1
 done
 expect "requests are shown while the program runs" "$(kill -0 "$writer" && echo live)" live

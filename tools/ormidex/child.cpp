@@ -26,6 +26,7 @@ namespace {
 
 std::vector<char*> Pointers(std::vector<std::string>& words) {
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -64,8 +65,6 @@ Child::Child(const std::vector<std::string>& words) {
   if (error != 0) FailStart(words[0], error);
   process_ = process;
 }
-
-Child::~Child() = default;
 
 bool Child::Wait(unsigned milliseconds) {
   constexpr unsigned kStep = 10;

@@ -13,7 +13,9 @@ class Child {
   // Starts the program, found as the shell finds it, with the tool's environment and
   // streams; throws a ToolError when it cannot be started.
   explicit Child(const std::vector<std::string>& words);
+#ifdef _WIN32
   ~Child();
+#endif
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
