@@ -23,7 +23,11 @@ build_packages() {
   mkdir -p "$folder/ormidex"
   # shellcheck disable=SC2086  # one word each
   cp -r $sources "$folder/ormidex/"
-  # The kernels are long to compile, so the compiler cache is kept where there is one.
+  # Debhelper gives the build a home of its own; the compiler cache stays the user's.
+  if command -v ccache > /dev/null; then
+    CCACHE_DIR=$(ccache --get-config cache_dir)
+    export CCACHE_DIR
+  fi
   (cd "$folder/ormidex" && DEB_BUILD_OPTIONS="noautodbgsym terse parallel=${JOBS:-$(nproc)}" \
     dpkg-buildpackage --build=binary --no-sign) > "$folder/log" 2>&1 || {
     tail -n 40 "$folder/log" | cut -c 1-200 >&2
