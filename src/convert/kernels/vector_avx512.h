@@ -243,11 +243,22 @@ struct Lanes8 {
   }
 
  private:
+#ifdef __i386__
+  // From memory: g++ makes a constant of two 32-bit stores and one 64-bit load, which
+  // waits for both.
+  static __mmask64 MaskOf(const std::uint64_t& bits) {
+    __mmask64 mask;
+    __asm__("kmovq %1, %0" : "=k"(mask) : "m"(bits));
+    return mask;
+  }
+#else
+  static __mmask64 MaskOf(std::uint64_t bits) { return bits; }
+#endif
   template <bool kHasRed, bool kOddSites, std::size_t kPart>
   static Vector Part(Vector outer, Vector own, Vector inner) {
     constexpr const auto& kOrder = kSiteOrder<std::uint8_t, kHasRed, kOddSites, kPart>;
     const Vector part = _mm512_permutex2var_epi8(outer, _mm512_load_si512(kOrder.outer_own), own);
-    return _mm512_mask_permutexvar_epi8(part, static_cast<__mmask64>(kOrder.takes_inner),
+    return _mm512_mask_permutexvar_epi8(part, MaskOf(kOrder.takes_inner),
                                         _mm512_load_si512(kOrder.inner), inner);
   }
   template <std::size_t kPart>
