@@ -16,6 +16,9 @@ import sys
 FUNCTION = re.compile(r"^[0-9a-f]+ <(.*)>:$")
 VECTOR = re.compile(r"%[xyz]mm\d|%mm[0-7]|\temms")
 GUARDED = re.compile(r"\(anonymous namespace\)|(Sse2|Ssse3|Avx2|Avx512)(\(|\b)|^jsimd_|^\.\.@")
+# The compiler's tables stand among the code of a Windows library: bytes that may read
+# like any instruction.
+TABLE = ".gcc_except_table"
 # A library without any such code would pass for want of something to look at.
 FEWEST = 20
 
@@ -27,7 +30,7 @@ def functions_with_vector_code(objdump, library):
     for line in text.splitlines():
         if match := FUNCTION.match(line):
             function = match[1]
-        elif VECTOR.search(line):
+        elif function != TABLE and VECTOR.search(line):
             found.add(function)
     return found
 
