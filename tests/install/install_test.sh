@@ -6,23 +6,7 @@
 set -u
 source=$1
 build=$2
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-passed=0
-failed=0
-
-# step NAME COMMAND...: prints what the command said when it fails.
-step() {
-  local name=$1
-  shift
-  if "$@" > "$folder/log" 2>&1; then
-    passed=$((passed + 1))
-  else
-    echo "FAILED $name: $*"
-    tail -n 20 "$folder/log"
-    failed=$((failed + 1))
-  fi
-}
+source "$(dirname "$0")/../support/steps.sh"
 
 step "install" env DESTDIR="$folder/stage" cmake --install "$build"
 mv "$folder/stage"/* "$folder/moved"

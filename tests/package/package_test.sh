@@ -6,24 +6,8 @@
 set -u
 source=$1
 dist=$source/dist
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+source "$(dirname "$0")/../support/steps.sh"
 root=$folder/root
-passed=0
-failed=0
-
-# step NAME COMMAND...: prints what the command said when it fails.
-step() {
-  local name=$1
-  shift
-  if "$@" > "$folder/log" 2>&1; then
-    passed=$((passed + 1))
-  else
-    echo "FAILED $name: $*"
-    tail -n 20 "$folder/log"
-    failed=$((failed + 1))
-  fi
-}
 
 # depends PACKAGE PATTERN: what the package asks for.
 depends() { dpkg-deb -f "$dist/$1"_*.deb Depends | grep -qE "$2"; }
