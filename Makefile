@@ -16,10 +16,12 @@
 SETUP := scripts/setup-debian.sh
 JOBS := $(shell nproc 2>/dev/null || echo 2)
 
-# Where a compiler cache is installed, new build folders use it.
+# Where a compiler cache is installed, new build folders use it. Its sloppiness lets it
+# take files that include a precompiled header.
 ifneq ($(shell command -v ccache 2>/dev/null),)
 export CMAKE_C_COMPILER_LAUNCHER ?= ccache
 export CMAKE_CXX_COMPILER_LAUNCHER ?= ccache
+export CCACHE_SLOPPINESS ?= pch_defines,time_macros
 endif
 
 .PHONY: all build product demo test bench windows test-windows install package debian-packages \
