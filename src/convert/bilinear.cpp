@@ -57,8 +57,7 @@ struct BilinearCode : CodeBase<Form> {
       case Rounding::kExtended:
         return kernels.bilinear_two_extended;
       default:
-        return Form::kChannelBytes == 1 ? kernels.bilinear_two_portable.narrow
-                                        : kernels.bilinear_two_portable.wide;
+        return this->OfForm(kernels.bilinear_two_portable);
     }
   }
   // The portable routine forms the first and last pixel within pairs of rows instead.

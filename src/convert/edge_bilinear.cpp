@@ -43,6 +43,16 @@ struct EdgeBilinearCode : CodeBase<Form> {
   RowKernel Kernel(const Kernels& kernels, std::size_t y) const {
     return this->OfForm(this->IsEdgeRow(y) ? kernels.edge_bilinear_edge : kernels.edge_bilinear);
   }
+  TwoRowsKernel TwoRows(const Kernels& kernels) const {
+    return this->OfForm(kernels.edge_bilinear_two);
+  }
+  // Green at the border is a mean of what exists there.
+  bool TwoRowsEnds() const { return false; }
+  void Ends(std::size_t y, std::uint8_t* out) const {
+    const std::size_t last = frame.width - 1;
+    Pixels(y, 0, 1, out);
+    Pixels(y, last, frame.width, out + last * this->kOutBytes);
+  }
 
   void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);

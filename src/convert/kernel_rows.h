@@ -40,6 +40,9 @@ struct CodeBase {
   static RowKernel OfForm(const RowKernels& kernels) {
     return Form::kChannelBytes == 1 ? kernels.narrow : kernels.wide;
   }
+  static TwoRowsKernel OfForm(const TwoRowsKernels& kernels) {
+    return Form::kChannelBytes == 1 ? kernels.narrow : kernels.wide;
+  }
 };
 
 // The rows that a kernel sees of a frame: all of it, as it is, each row with the next

@@ -6,24 +6,27 @@
 #include <cstdint>
 #include <cstring>
 
-#include "convert/reflected_rows.h"
+#include "convert/mosaic.h"
+#include "convert/neighbourhood.h"
+#include "convert/routines.h"
 #include "convert/row_target.h"
+#include "convert/site_rows.h"
 
 namespace ormidex::convert {
 
 // What a code brings to the drive:
 //   Frame<Form> frame
-//   RowKernels Kernels::* kDifferences         its first pass
+//   DifferencesKernels Kernels::* kDifferences its first pass
 //   std::int32_t Difference(x, y)              the same for one site, by the scalar formulas
 //   void Pixel(x, y, out)                      the second pass for one pixel, the same
 //
-// Of the plane only the rows in use are kept, and with them the padded copies of the
-// frame's rows, so that both stay in the cache.
+// Of the plane only the rows in use are kept, and with them the frame's rows in pairs, so
+// that both stay in the cache.
 template <typename Form, typename Code>
 class PlaneDrive {
  public:
   static std::size_t MemoryBytes(std::size_t width) {
-    return (PaddedRows<Form>::kRows + kDifferenceRows) * PaddedRows<Form>::Stride(width) +
+    return kDifferenceRows * SiteRows<Form>::Stride(width) + SiteRows<Form>::MemoryBytes(width) +
            kAlignment;
   }
 
@@ -33,15 +36,15 @@ class PlaneDrive {
         kernels_(kernels),
         width_(code.frame.width),
         height_(code.frame.height),
-        stride_(PaddedRows<Form>::Stride(width_)),
+        stride_(SiteRows<Form>::Stride(width_)),
         memory_(Aligned(memory)),
-        rows_(code.frame, kernels, 0, width_, memory_ + kDifferenceRows * stride_),
+        rows_(code.frame, kernels, memory_ + kDifferenceRows * stride_),
         target_(kernels, width_ * height_ * kOutBytes, width_ * kOutBytes) {}
 
   void Run() {
     std::size_t made = 0;
     for (std::size_t y = 0; y < height_; ++y) {
-      for (; made <= y + 1 && made < height_; ++made) {
+      for (; made <= y + 1 && made < height_; made += 2) {
         MakeDifferences(made);
       }
       std::uint8_t* const place = code_.frame.ImageRow(y);
@@ -58,32 +61,39 @@ class PlaneDrive {
   static constexpr std::size_t kLane = Form::kChannelBytes;
   static constexpr std::size_t kDifferenceBytes = 2 * kLane;
   static constexpr std::size_t kOutBytes = 3 * kLane;
-  // Three are looked at; the next power of two makes the ring's place cheap.
+  // Three are looked at, and two are made at once.
   static constexpr std::size_t kDifferenceRows = 4;
-  static constexpr std::size_t kPaddingBytes = 64;
+  static constexpr std::size_t kPaddingBytes = SiteRows<Form>::kPaddingBytes;
   static constexpr std::size_t kAlignment = 64;
 
   static std::uint8_t* Aligned(std::uint8_t* memory) {
     return memory + (0 - reinterpret_cast<std::uintptr_t>(memory)) % kAlignment;
   }
 
-  static RowKernel OfForm(const RowKernels& kernels) {
-    return Form::kChannelBytes == 1 ? kernels.narrow : kernels.wide;
-  }
-
   std::uint8_t* Differences(std::size_t y, std::ptrdiff_t step) const {
-    const std::size_t row = Reflect(static_cast<std::ptrdiff_t>(y) + step, height_);
+    return Place(Reflect(static_cast<std::ptrdiff_t>(y) + step, height_));
+  }
+  std::uint8_t* Place(std::size_t row) const {
     return memory_ + (row % kDifferenceRows) * stride_ + kPaddingBytes;
   }
 
+  static std::ptrdiff_t PairOf(std::size_t y) { return static_cast<std::ptrdiff_t>(y / 2); }
+
+  // Of rows y, an even one, and y + 1, which may be beyond the frame.
   void MakeDifferences(std::size_t y) {
-    RowJob job{};
-    rows_.SetRows(y, job);
-    job.out = Differences(y, 0);
+    const auto& kernels = kernels_.*Code::kDifferences;
+    DifferencesJob job{};
+    job.above = rows_.At(PairOf(y) - 1);
+    job.pair = rows_.At(PairOf(y));
+    job.below = rows_.At(PairOf(y) + 1);
+    job.differences = Place(y);
+    job.differences_of_second = Place(y + 1);
     job.width = width_;
-    job.has_red = KindOfRow(kFixedPhase, y).has_red;
-    static_cast<void>(OfForm(kernels_.*Code::kDifferences)(job));
-    Pad(y, job.out);
+    (kLane == 1 ? kernels.narrow : kernels.wide)(job);
+    Pad(y, job.differences);
+    if (y + 1 < height_) {
+      Pad(y + 1, job.differences_of_second);
+    }
   }
 
   // The reflections of the first and last site. With an odd width rows with red have a
@@ -101,7 +111,7 @@ class PlaneDrive {
   void MakePixels(std::size_t y, std::uint8_t* out, bool past_cache) {
     ColourJob job{};
     job.past_cache = past_cache;
-    job.row = rows_.At(y, 0);
+    job.pair = rows_.At(PairOf(y));
     job.differences_above = Differences(y, -1);
     job.differences = Differences(y, 0);
     job.differences_below = Differences(y, 1);
@@ -122,7 +132,7 @@ class PlaneDrive {
   std::size_t height_;
   std::size_t stride_;
   std::uint8_t* memory_;
-  PaddedRows<Form> rows_;
+  SiteRows<Form> rows_;
   RowTarget target_;
 };
 

@@ -13,14 +13,14 @@ namespace ormidex::convert {
 namespace {
 
 struct EdgeEstimate {
-  static constexpr RowKernels Kernels::*kDifferences = &Kernels::own_directed_differences;
+  static constexpr DifferencesKernels Kernels::*kDifferences = &Kernels::own_directed_differences;
   static Sample Green(const Neighbourhood& around, Sample) {
     return OwnColourDirectedGreen(around.Greens(), around.Own());
   }
 };
 
 struct LaplacianEstimate {
-  static constexpr RowKernels Kernels::*kDifferences = &Kernels::gradient_differences;
+  static constexpr DifferencesKernels Kernels::*kDifferences = &Kernels::gradient_differences;
   static Sample Green(const Neighbourhood& around, Sample max) {
     return LaplacianGreen(around.Greens(), around.Own(), max);
   }
@@ -80,7 +80,7 @@ void StoreColours(const Frame<Form>& frame, std::size_t x, std::size_t y,
 // For the drive: single sites and pixels, where a plane is not at hand.
 template <typename Form, typename Estimate>
 struct PlaneCode {
-  static constexpr RowKernels Kernels::*kDifferences = Estimate::kDifferences;
+  static constexpr DifferencesKernels Kernels::*kDifferences = Estimate::kDifferences;
 
   std::int32_t Difference(std::size_t x, std::size_t y) const {
     return static_cast<std::int32_t>(frame.At(x, y)) -

@@ -48,12 +48,35 @@ struct RowJob {
   bool past_cache;
 };
 
-// A row for codes 3 and 4's second pass: its samples, and for each pair of columns the
-// difference between the sample and green at the pair's red or blue site, in twice the
-// samples' width, of the row itself and of its neighbours. One difference before the
-// first and after the last is read.
+// Two neighbouring rows, an even one and the odd one below it, woven: in `sites` the even
+// columns are of the first row and the odd ones of the second, in `greens` the other way
+// round. In phase 0 the former are red or blue, the latter green.
+struct SitePair {
+  const std::uint8_t* sites;
+  const std::uint8_t* greens;
+};
+
+// Weaves two rows; there are at least as many columns as fit a vector.
+using WeaveKernel = void (*)(const std::uint8_t* row, const std::uint8_t* below,
+                             std::size_t columns, std::uint8_t* sites, std::uint8_t* greens);
+
+// Codes 3 and 4's first pass over two rows: for each pair of columns the difference
+// between the sample and green at its red or blue site, in twice the samples' width. Two
+// columns before the first and after the last are read.
+struct DifferencesJob {
+  SitePair above;
+  SitePair pair;
+  SitePair below;
+  std::uint8_t* differences;
+  std::uint8_t* differences_of_second;
+  std::size_t width;
+};
+
+// A row for their second pass: the pair of rows that it is of, and the differences of the
+// row itself and of its neighbours. One difference before the first and after the last is
+// read.
 struct ColourJob {
-  const std::uint8_t* row;
+  SitePair pair;
   const std::uint8_t* differences_above;
   const std::uint8_t* differences;
   const std::uint8_t* differences_below;
@@ -61,7 +84,7 @@ struct ColourJob {
   const std::uint8_t* next_out;
   Stream* stream;
   std::size_t width;
-  bool has_red;
+  bool has_red;  // the row is the pair's first one
   bool past_cache;
 };
 
@@ -83,6 +106,8 @@ struct ColumnSpan {
 };
 
 using RowKernel = ColumnSpan (*)(const RowJob& job);
+// Writes the pairs of columns; the last column of an odd width is left.
+using DifferencesKernel = void (*)(const DifferencesJob& job);
 using ColourKernel = ColumnSpan (*)(const ColourJob& job);
 
 // Two neighbouring interior rows of a mosaic, which share most of what they need. The
@@ -133,6 +158,11 @@ struct TwoRowsKernels {
   TwoRowsKernel wide;
 };
 
+struct DifferencesKernels {
+  DifferencesKernel narrow;
+  DifferencesKernel wide;
+};
+
 struct Kernels {
   const char* tier;
   std::size_t vector_bytes;
@@ -164,22 +194,26 @@ struct Kernels {
   std::size_t (*color_correct24)(std::uint8_t* image, std::size_t pixels,
                                  const CorrectionFactors& factors);
 
-  RowKernels replicate;           // code 0
-  RowKernels mosaic;              // code 255
-  RowKernels grey_horizontal;     // code 16
-  RowKernels edge_bilinear;       // code 2
-  RowKernels edge_bilinear_edge;  //   its first and last rows
-  RowKernels grey_edge;           // code 17
-  RowKernels grey_edge_edge;      //   its first and last rows
+  RowKernels replicate;              // code 0
+  RowKernels mosaic;                 // code 255
+  RowKernels grey_horizontal;        // code 16
+  RowKernels edge_bilinear;          // code 2
+  TwoRowsKernels edge_bilinear_two;  //   two rows at once; the caller does their ends
+  RowKernels edge_bilinear_edge;     //   its first and last rows
+  RowKernels grey_edge;              // code 17
+  RowKernels grey_edge_edge;         //   its first and last rows
   // Kernels of the codes that reflect the frame. They need samples before the first
   // column and after the last in all rows, and write all columns but the last of an odd
   // width. Phase 0 only: rows with red start with it.
-  RowKernels own_directed_differences;  // code 3; `out` is a row of differences
-  RowKernels gradient_differences;      // code 4, the same
-  ColourKernel colour_narrow;           // codes 3 and 4, from samples and differences
-  ColourKernel colour_wide;
   RowKernels grey_gradient;       // code 18
   RowKernels variable_gradients;  // code 5
+  // Codes 3 and 4.
+  WeaveKernel weave_narrow;
+  WeaveKernel weave_wide;
+  DifferencesKernels own_directed_differences;  // code 3
+  DifferencesKernels gradient_differences;      // code 4
+  ColourKernel colour_narrow;
+  ColourKernel colour_wide;
 };
 
 extern const Kernels kSsse3Kernels;

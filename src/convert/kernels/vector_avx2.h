@@ -216,8 +216,9 @@ struct Lanes8 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return _mm256_blendv_epi8(otherwise, then, _mm256_cmpeq_epi8(test, _mm256_setzero_si256()));
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    const Vector is_not = _mm256_cmpeq_epi8(SubSaturated(a, b), _mm256_setzero_si256());
+    return _mm256_blendv_epi8(then, otherwise, is_not);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -228,6 +229,11 @@ struct Lanes8 {
   static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm256_slli_epi16(v, 8); }
   static Vector ToEven(Vector v) { return _mm256_srli_epi16(v, 8); }
+  // Values from 0 on in wide lanes, limited to the largest sample.
+  static Vector Limited(Vector even, Vector odd) {
+    const __m128i order = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
+    return _mm256_shuffle_epi8(_mm256_packus_epi16(even, odd), _mm256_broadcastsi128_si256(order));
+  }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm256_blendv_epi8(even, odd, _mm256_set1_epi16(static_cast<short>(0xFF00)));
   }
@@ -255,8 +261,9 @@ struct Lanes16 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return _mm256_blendv_epi8(otherwise, then, _mm256_cmpeq_epi16(test, _mm256_setzero_si256()));
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    const Vector is_not = _mm256_cmpeq_epi16(SubSaturated(a, b), _mm256_setzero_si256());
+    return _mm256_blendv_epi8(then, otherwise, is_not);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -267,6 +274,10 @@ struct Lanes16 {
   static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm256_slli_epi32(v, 16); }
   static Vector ToEven(Vector v) { return _mm256_srli_epi32(v, 16); }
+  static Vector Limited(Vector even, Vector odd) {
+    const __m128i order = _mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15);
+    return _mm256_shuffle_epi8(_mm256_packus_epi32(even, odd), _mm256_broadcastsi128_si256(order));
+  }
   static Vector EvenOdd(Vector even, Vector odd) { return _mm256_blend_epi16(even, odd, 0xAA); }
   template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {

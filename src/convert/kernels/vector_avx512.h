@@ -218,8 +218,8 @@ struct Lanes8 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return _mm512_mask_blend_epi8(_mm512_test_epi8_mask(test, test), then, otherwise);
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi8(_mm512_cmpgt_epu8_mask(a, b), otherwise, then);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -232,6 +232,11 @@ struct Lanes8 {
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm512_slli_epi16(v, 8); }
   static Vector ToEven(Vector v) { return _mm512_srli_epi16(v, 8); }
+  // Values from 0 on in wide lanes, limited to the largest sample.
+  static Vector Limited(Vector even, Vector odd) {
+    const __m128i order = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
+    return _mm512_shuffle_epi8(_mm512_packus_epi16(even, odd), _mm512_broadcast_i32x4(order));
+  }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0xCA);
   }
@@ -277,8 +282,8 @@ struct Lanes16 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return _mm512_mask_blend_epi16(_mm512_test_epi16_mask(test, test), then, otherwise);
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    return _mm512_mask_blend_epi16(_mm512_cmpgt_epu16_mask(a, b), otherwise, then);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -291,6 +296,10 @@ struct Lanes16 {
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm512_slli_epi32(v, 16); }
   static Vector ToEven(Vector v) { return _mm512_srli_epi32(v, 16); }
+  static Vector Limited(Vector even, Vector odd) {
+    const __m128i order = _mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15);
+    return _mm512_shuffle_epi8(_mm512_packus_epi32(even, odd), _mm512_broadcast_i32x4(order));
+  }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0xCA);
   }

@@ -202,8 +202,9 @@ struct Lanes8 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return Merge(_mm_cmpeq_epi8(test, _mm_setzero_si128()), otherwise, then);
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    const Vector is_not = _mm_cmpeq_epi8(SubSaturated(a, b), _mm_setzero_si128());
+    return Merge(is_not, then, otherwise);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -216,6 +217,11 @@ struct Lanes8 {
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi8(a, b); }
   static Vector ToOdd(Vector v) { return _mm_slli_epi16(v, 8); }
   static Vector ToEven(Vector v) { return _mm_srli_epi16(v, 8); }
+  // Values from 0 on in wide lanes, limited to the largest sample.
+  static Vector Limited(Vector even, Vector odd) {
+    const __m128i order = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
+    return _mm_shuffle_epi8(_mm_packus_epi16(even, odd), order);
+  }
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi16(static_cast<short>(0xFF00)), even, odd);
   }
@@ -243,8 +249,9 @@ struct Lanes16 {
   static Vector Difference(Vector a, Vector b) {
     return Or(SubSaturated(a, b), SubSaturated(b, a));
   }
-  static Vector IfZero(Vector test, Vector then, Vector otherwise) {
-    return Merge(_mm_cmpeq_epi16(test, _mm_setzero_si128()), otherwise, then);
+  static Vector IfGreater(Vector a, Vector b, Vector then, Vector otherwise) {
+    const Vector is_not = _mm_cmpeq_epi16(SubSaturated(a, b), _mm_setzero_si128());
+    return Merge(is_not, then, otherwise);
   }
   template <Way kWay = Way::kCached>
   static void StoreGrey(std::uint8_t* out, Vector grey) {
@@ -257,6 +264,9 @@ struct Lanes16 {
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi16(a, b); }
   static Vector ToOdd(Vector v) { return _mm_slli_epi32(v, 16); }
   static Vector ToEven(Vector v) { return _mm_srli_epi32(v, 16); }
+  static Vector Limited(Vector even, Vector odd) {
+    return Or(Wide::Min(even, Wide::Set(kMax)), ToOdd(Wide::Min(odd, Wide::Set(kMax))));
+  }
   static Vector EvenOdd(Vector even, Vector odd) {
     return Merge(_mm_set1_epi32(static_cast<int>(0xFFFF0000u)), even, odd);
   }
