@@ -43,24 +43,26 @@ void Correct(std::uint8_t* image, std::size_t pixels, const Factors& factors) {
   }
 }
 
-// The factors in the kernels' fixed point; false where they have more digits or are
-// larger than it holds, which only amounts near -100 and beyond some thousands do.
-bool ToFixedPoint(const Factors& factors, CorrectionFactors& fixed) {
-  constexpr int kFractionBits = 30 + kCorrectionHighBits;
-  constexpr double kLimit = 127.0;
-  fixed = {};
+// The factors in the kernels' fixed point of so many limbs; false where they have more
+// digits or are larger than it holds.
+bool ToFixedPoint(const Factors& factors, int count, CorrectionFactors& fixed) {
+  const int high_bits = kCorrectionHighBits[count];
+  const int fraction_bits = high_bits + kCorrectionLimbBits * (count - 1);
+  const double limit = std::ldexp(1.0, 15 - high_bits);
+  fixed = {.count = count, .limbs = {}};
   int half = 0;
   for (const double factor : {factors.own - factors.others, factors.others}) {
-    const double scaled = std::ldexp(factor, kFractionBits);
-    if (!(std::fabs(factor) < kLimit) || scaled != std::floor(scaled)) {
+    const double scaled = std::ldexp(factor, fraction_bits);
+    if (!(std::fabs(factor) < limit) || scaled != std::floor(scaled)) {
       return false;
     }
-    const auto bits = static_cast<std::int64_t>(scaled);
-    const std::int64_t limbs[3] = {bits >> 30, (bits >> 15) & 0x7FFF, bits & 0x7FFF};
-    for (int i = 0; i < 3; ++i) {
-      const auto limb = static_cast<std::uint32_t>(static_cast<std::uint16_t>(limbs[i]));
+    auto rest = static_cast<std::int64_t>(scaled);
+    for (int i = count - 1; i >= 0; --i) {
+      const std::int64_t limb = i > 0 ? rest & ((1 << kCorrectionLimbBits) - 1) : rest;
+      const std::uint32_t bits = static_cast<std::uint16_t>(limb);
       fixed.limbs[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(fixed.limbs[i]) |
-                                                 limb << (16 * half));
+                                                 bits << (16 * half));
+      rest >>= kCorrectionLimbBits;
     }
     ++half;
   }
@@ -71,7 +73,7 @@ bool ToFixedPoint(const Factors& factors, CorrectionFactors& fixed) {
 std::size_t CorrectByKernel(std::uint8_t* image, std::size_t pixels, const Factors& factors) {
   const Kernels* kernels = KernelsOf(ActiveTier());
   CorrectionFactors fixed;
-  if (kernels == nullptr || !ToFixedPoint(factors, fixed)) {
+  if (kernels == nullptr || !(ToFixedPoint(factors, 2, fixed) || ToFixedPoint(factors, 3, fixed))) {
     return 0;
   }
   return kernels->color_correct24(image, pixels, fixed);

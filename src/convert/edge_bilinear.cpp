@@ -46,13 +46,6 @@ struct EdgeBilinearCode : CodeBase<Form> {
   TwoRowsKernel TwoRows(const Kernels& kernels) const {
     return this->OfForm(kernels.edge_bilinear_two);
   }
-  // Green at the border is a mean of what exists there.
-  bool TwoRowsEnds() const { return false; }
-  void Ends(std::size_t y, std::uint8_t* out) const {
-    const std::size_t last = frame.width - 1;
-    Pixels(y, 0, 1, out);
-    Pixels(y, last, frame.width, out + last * this->kOutBytes);
-  }
 
   void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {
     const RowKind kind = this->Kind(y);
@@ -72,6 +65,9 @@ struct GreyEdgeCode : CodeBase<Form> {
 
   RowKernel Kernel(const Kernels& kernels, std::size_t y) const {
     return this->OfForm(this->IsEdgeRow(y) ? kernels.grey_edge_edge : kernels.grey_edge);
+  }
+  TwoRowsKernel TwoRows(const Kernels& kernels) const {
+    return this->OfForm(kernels.grey_edge_two);
   }
 
   void Pixels(std::size_t y, std::size_t begin, std::size_t end, std::uint8_t* out) const {

@@ -23,7 +23,7 @@ namespace ormidex::convert {
 // and may add
 //   TwoRowsKernel TwoRows(const Kernels&)  the kernel for two interior rows
 //   bool TwoRowsEnds()                     its first and last columns are right, too
-//   void Ends(y, out)                      the scalar formulas for them
+//   void Ends(y, out)                      quicker scalar formulas for them than Pixels
 template <typename Form>
 struct CodeBase {
   Frame<Form> frame;
@@ -35,6 +35,7 @@ struct CodeBase {
   std::size_t Rows() const { return frame.height; }
   std::size_t Columns() const { return frame.width; }
   std::uint8_t* Out(std::size_t y) const { return frame.ImageRow(y); }
+  bool TwoRowsEnds() const { return false; }
   bool IsEdgeRow(std::size_t y) const { return y == 0 || y + 1 == frame.height; }
 
   static RowKernel OfForm(const RowKernels& kernels) {
@@ -186,12 +187,22 @@ class RowDrive {
     if (!code_.TwoRowsEnds()) {
       std::uint8_t* out_below = job.out_below;
       for (std::size_t pair = 0; pair < job.pairs; ++pair, out_below += job.out_step) {
-        code_.Ends(y + 2 * pair, out_below + target_.RowBytes());
-        code_.Ends(y + 2 * pair + 1, out_below);
+        Ends(y + 2 * pair, out_below + target_.RowBytes());
+        Ends(y + 2 * pair + 1, out_below);
       }
     }
     if (!job.past_cache) {
       target_.Finish();
+    }
+  }
+
+  void Ends(std::size_t y, std::uint8_t* out) const {
+    if constexpr (requires { code_.Ends(y, out); }) {
+      code_.Ends(y, out);
+    } else {
+      const std::size_t last = code_.frame.width - 1;
+      code_.Pixels(y, 0, 1, out);
+      code_.Pixels(y, last, last + 1, out + last * Code::kOutBytes);
     }
   }
 

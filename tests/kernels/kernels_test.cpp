@@ -254,6 +254,35 @@ TEST_P(EveryTierColorCorrection, EqualsTheScalarTierForEveryAmount) {
   }
 }
 
+// A channel's result depends on it and on the sum of the others: all pairs of these, for
+// amounts whose factors have two limbs and three, and exact values that are often integers.
+TEST(ColorCorrectionTiers, EqualTheScalarTierForEveryChannelAndSumOfTheOthers) {
+  constexpr std::size_t kSums = 511;
+  GuardedBuffer original(3 * 256 * kSums, 0);
+  for (std::size_t i = 0; i < 256 * kSums; ++i) {
+    const std::size_t sum = i % kSums;
+    const std::size_t other = std::min<std::size_t>(sum, 255);
+    std::uint8_t* const pixel = original.Data() + 3 * i;
+    pixel[0] = static_cast<std::uint8_t>(i / kSums);
+    pixel[1] = static_cast<std::uint8_t>(other);
+    pixel[2] = static_cast<std::uint8_t>(sum - other);
+  }
+  for (const std::int32_t amount :
+       {-100, -99, -50, -30, -6, -1, 1, 5, 7, 20, 30, 50, 100, 199, 200}) {
+    GuardedBuffer expected = original;
+    {
+      const TierUsed scalar(Tier::kScalar);
+      ColorCorrect(expected.Data(), 256 * kSums, amount, false);
+    }
+    for (const Tier tier : VectorTiers()) {
+      const TierUsed used(tier);
+      GuardedBuffer actual = original;
+      ColorCorrect(actual.Data(), 256 * kSums, amount, false);
+      ASSERT_EQ(expected.Contents(), actual.Contents()) << TierName(tier) << ", amount " << amount;
+    }
+  }
+}
+
 TEST_P(EveryTierColorCorrection, EqualsTheScalarTierOnEveryNumberOfPixels) {
   std::mt19937 random(Seed());
   for (std::size_t pixels = 0; pixels <= 150; ++pixels) {

@@ -4,6 +4,7 @@
 
 // clang-format off
 #include "convert/kernels/sites.inc"
+#include "convert/kernels/channels.inc"
 #include "convert/kernels/vector_avx2.h"
 #include "convert/kernels/entry.h"
 #include "convert/kernels/stream.inc"
@@ -26,10 +27,10 @@ extern const Kernels kAvx2Kernels = {
     .bilinear_edge = {BilinearEdgeRow<Lanes8>, BilinearEdgeRow<Lanes16>},
     .bilinear_mmx = BilinearMmxRow<Lanes8>,
     .bilinear_extended = BilinearExtendedRow<Lanes8>,
-    .bilinear_two_portable = {BilinearTwoRows<Lanes8, Means::kPortable>,
-                              BilinearTwoRows<Lanes16, Means::kPortable>},
-    .bilinear_two_mmx = BilinearTwoRows<Lanes8, Means::kMmx>,
-    .bilinear_two_extended = BilinearTwoRows<Lanes8, Means::kExtended>,
+    .bilinear_two_portable = {TwoRows<Lanes8, BilinearTwo<Means::kPortable>::Pairs>,
+                              TwoRows<Lanes16, BilinearTwo<Means::kPortable>::Pairs>},
+    .bilinear_two_mmx = TwoRows<Lanes8, BilinearTwo<Means::kMmx>::Pairs>,
+    .bilinear_two_extended = TwoRows<Lanes8, BilinearTwo<Means::kExtended>::Pairs>,
     .stream_bytes = StreamBytes,
     .end_stream = EndStream,
     .high_bytes = HighBytes,
@@ -40,9 +41,10 @@ extern const Kernels kAvx2Kernels = {
     .mosaic = {MosaicRow<Lanes8>, MosaicRow<Lanes16>},
     .grey_horizontal = {GreyHorizontalRow<Lanes8>, GreyHorizontalRow<Lanes16>},
     .edge_bilinear = {EdgeBilinearRow<Lanes8>, EdgeBilinearRow<Lanes16>},
-    .edge_bilinear_two = {EdgeBilinearTwoRows<Lanes8>, EdgeBilinearTwoRows<Lanes16>},
+    .edge_bilinear_two = {TwoRows<Lanes8, EdgeBilinearTwo>, TwoRows<Lanes16, EdgeBilinearTwo>},
     .edge_bilinear_edge = {EdgeBilinearEdgeRow<Lanes8>, EdgeBilinearEdgeRow<Lanes16>},
     .grey_edge = {GreyEdgeRow<Lanes8>, GreyEdgeRow<Lanes16>},
+    .grey_edge_two = {TwoGreyRows<Lanes8, GreyEdgeTwo>, TwoGreyRows<Lanes16, GreyEdgeTwo>},
     .grey_edge_edge = {GreyEdgeEdgeRow<Lanes8>, GreyEdgeEdgeRow<Lanes16>},
     .grey_gradient = {GreyGradientRow<Lanes8>, GreyGradientRow<Lanes16>},
     .variable_gradients = {VariableGradientsRow<Lanes8>, VariableGradientsRow<Lanes16>},

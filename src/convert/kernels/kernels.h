@@ -95,6 +95,7 @@ struct GreyJob {
   // from the last to the first, against the order in which a processor fetches ahead.
   const std::uint8_t* next_samples;
   std::uint8_t* out;
+  const std::uint8_t* next_out;
   Stream* stream;
   std::size_t width;
 };
@@ -140,10 +141,14 @@ struct TwoRowsJob {
 using TwoRowsKernel = bool (*)(const TwoRowsJob& job);
 
 // The factors of a colour correction in fixed point: what multiplies a channel (in the
-// low half) and what multiplies the sum of all three (in the high half), as three limbs
-// from the highest, which is signed, to the lowest. The lower limbs have 15 bits.
-inline constexpr int kCorrectionHighBits = 8;
+// low half) and what multiplies the sum of all three (in the high half), as two or three
+// limbs from the highest, which is signed, to the lowest. The lower limbs have 15 bits. Two
+// hold the factors of all but very small and very large amounts.
+inline constexpr int kCorrectionLimbBits = 15;
+// Fraction bits of the highest limb, by their number.
+inline constexpr int kCorrectionHighBits[] = {0, 0, 13, 8};
 struct CorrectionFactors {
+  int count;
   std::int32_t limbs[3];
 };
 
@@ -201,7 +206,8 @@ struct Kernels {
   TwoRowsKernels edge_bilinear_two;  //   two rows at once; the caller does their ends
   RowKernels edge_bilinear_edge;     //   its first and last rows
   RowKernels grey_edge;              // code 17
-  RowKernels grey_edge_edge;         //   its first and last rows
+  TwoRowsKernels grey_edge_two;
+  RowKernels grey_edge_edge;  //   its first and last rows
   // Kernels of the codes that reflect the frame. They need samples before the first
   // column and after the last in all rows, and write all columns but the last of an odd
   // width. Phase 0 only: rows with red start with it.

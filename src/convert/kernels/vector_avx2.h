@@ -155,15 +155,6 @@ struct Wide32 {
   static Vector Even(Vector v) { return And(v, _mm256_set1_epi32(0x0000FFFF)); }
   static Vector Add(Vector a, Vector b) { return _mm256_add_epi32(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi32(a, b); }
-  template <int kByte>
-  static Vector Byte(Vector v) {
-    return And(_mm256_srli_epi32(v, 8 * kByte), Set(0xFF));
-  }
-  template <int kCount>
-  static Vector ShiftLeft(Vector v) {
-    return _mm256_slli_epi32(v, kCount);
-  }
-  static Vector ToHigh(Vector v) { return ShiftLeft<16>(v); }
   static Vector Abs(Vector a) { return _mm256_abs_epi32(a); }
   template <int kCount>
   static Vector ShiftRight(Vector v) {
@@ -294,21 +285,45 @@ struct Lanes16 {
 };
 
 inline Vector MultiplyAdd(Vector a, Vector b) { return _mm256_madd_epi16(a, b); }
+// Words to the 32-bit lanes that PackWords puts in order again.
+inline Vector UnpackLowWords(Vector a, Vector b) { return _mm256_unpacklo_epi16(a, b); }
+inline Vector UnpackHighWords(Vector a, Vector b) { return _mm256_unpackhi_epi16(a, b); }
+inline Vector PackWords(Vector low, Vector high) { return _mm256_packs_epi32(low, high); }
+inline Vector PackBytes(Vector first, Vector second) { return _mm256_packus_epi16(first, second); }
 
-// Eight pixels of 3 bytes to and from 32-bit lanes.
-inline Vector LoadPixels(const std::uint8_t* p) {
-  const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-  const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 12));
-  const __m128i order = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
-  return _mm256_shuffle_epi8(_mm256_set_m128i(second, first), _mm256_broadcastsi128_si256(order));
+inline Vector InOrder(Vector v, const std::int8_t* order) {
+  return _mm256_shuffle_epi8(
+      v, _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(order))));
 }
-inline void StorePixels(std::uint8_t* p, Vector v) {
-  const __m128i order = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-  const Vector packed =
-      _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(order)),
-                                  _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 16), _mm256_extracti128_si256(packed, 1));
+
+// The channels of pixels: in 16-bit lanes those of one half of a vector's pixels, in
+// bytes all of them, in the order in which PackBytes joins the halves.
+struct Channels {
+  Vector c0;
+  Vector c1;
+  Vector c2;
+};
+template <int kHalf>
+inline Channels LoadChannels(const std::uint8_t* p) {
+  const auto load = [](const std::uint8_t* at) {
+    return _mm256_set_m128i(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at + 48)),
+                            _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+  };
+  const Vector first = load(p + 24 * kHalf);
+  const Vector last = load(p + 24 * kHalf + 8);
+  const auto channel = [&](const WidenOrder& order) {
+    return Or(InOrder(first, order.first), InOrder(last, order.last));
+  };
+  return {channel(kWidenOrder<0>), channel(kWidenOrder<1>), channel(kWidenOrder<2>)};
+}
+template <int kPart>
+inline Vector ChannelsPart(const Channels& pixels) {
+  return Or(InOrder(pixels.c0, kChannelOrder<0, kPart>.index),
+            Or(InOrder(pixels.c1, kChannelOrder<1, kPart>.index),
+               InOrder(pixels.c2, kChannelOrder<2, kPart>.index)));
+}
+inline void StoreChannels(std::uint8_t* p, const Channels& pixels) {
+  StoreHalves(p, ChannelsPart<0>(pixels), ChannelsPart<1>(pixels), ChannelsPart<2>(pixels));
 }
 
 }  // namespace

@@ -154,15 +154,6 @@ struct Wide32 {
   static Vector Even(Vector v) { return And(v, _mm512_set1_epi32(0x0000FFFF)); }
   static Vector Add(Vector a, Vector b) { return _mm512_add_epi32(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm512_sub_epi32(a, b); }
-  template <int kByte>
-  static Vector Byte(Vector v) {
-    return And(_mm512_srli_epi32(v, 8 * kByte), Set(0xFF));
-  }
-  template <int kCount>
-  static Vector ShiftLeft(Vector v) {
-    return _mm512_slli_epi32(v, kCount);
-  }
-  static Vector ToHigh(Vector v) { return ShiftLeft<16>(v); }
   static Vector Abs(Vector a) { return _mm512_abs_epi32(a); }
   template <int kCount>
   static Vector ShiftRight(Vector v) {
@@ -208,6 +199,18 @@ constexpr GreyOrder<Lane> MakeGreyOrder(std::size_t part) {
 template <typename Lane, std::size_t kPart>
 constexpr GreyOrder<Lane> kGreyOrder = MakeGreyOrder<Lane>(kPart);
 
+#ifdef __i386__
+// From memory: g++ makes a constant of two 32-bit stores and one 64-bit load, which
+// waits for both.
+inline __mmask64 MaskOf(const std::uint64_t& bits) {
+  __mmask64 mask;
+  __asm__("kmovq %1, %0" : "=k"(mask) : "m"(bits));
+  return mask;
+}
+#else
+inline __mmask64 MaskOf(std::uint64_t bits) { return bits; }
+#endif
+
 struct Lanes8 {
   static constexpr std::size_t kLaneBytes = 1;
   static constexpr int kMax = 255;
@@ -248,17 +251,6 @@ struct Lanes8 {
   }
 
  private:
-#ifdef __i386__
-  // From memory: g++ makes a constant of two 32-bit stores and one 64-bit load, which
-  // waits for both.
-  static __mmask64 MaskOf(const std::uint64_t& bits) {
-    __mmask64 mask;
-    __asm__("kmovq %1, %0" : "=k"(mask) : "m"(bits));
-    return mask;
-  }
-#else
-  static __mmask64 MaskOf(std::uint64_t bits) { return bits; }
-#endif
   template <bool kHasRed, bool kOddSites, std::size_t kPart>
   static Vector Part(Vector outer, Vector own, Vector inner) {
     constexpr const auto& kOrder = kSiteOrder<std::uint8_t, kHasRed, kOddSites, kPart>;
@@ -326,31 +318,66 @@ struct Lanes16 {
 };
 
 inline Vector MultiplyAdd(Vector a, Vector b) { return _mm512_madd_epi16(a, b); }
+// Words to the 32-bit lanes that PackWords puts in order again.
+inline Vector UnpackLowWords(Vector a, Vector b) { return _mm512_unpacklo_epi16(a, b); }
+inline Vector UnpackHighWords(Vector a, Vector b) { return _mm512_unpackhi_epi16(a, b); }
+inline Vector PackWords(Vector low, Vector high) { return _mm512_packs_epi32(low, high); }
+inline Vector PackBytes(Vector first, Vector second) { return _mm512_packus_epi16(first, second); }
 
-// Sixteen pixels of 3 bytes to and from 32-bit lanes.
-struct alignas(64) PixelOrders {
-  std::uint8_t spread[64];
-  std::uint8_t pack[64];
+// Byte orders for the pixels of 3 bytes: of the 16-bit lanes of channel `index` in the
+// bytes 0 to 63 and 32 to 95 of 32 pixels, and of output vector number `index` of 64
+// pixels in the bytes of channels 0 and 1 and in those of channel 2.
+struct alignas(64) ChannelOrder {
+  std::uint8_t widen[64];
+  std::uint8_t first_two[64];
+  std::uint8_t third[64];
+  std::uint64_t takes_third;
 };
-constexpr PixelOrders MakePixelOrders() {
-  PixelOrders orders{};
-  for (std::size_t i = 0; i < 48; ++i) {
-    orders.spread[i / 3 * 4 + i % 3] = static_cast<std::uint8_t>(i);
-    orders.pack[i] = static_cast<std::uint8_t>(i / 3 * 4 + i % 3);
+constexpr ChannelOrder MakeChannelOrder(std::size_t index) {
+  ChannelOrder order{};
+  for (std::size_t i = 0; i < 64; ++i) {
+    const std::size_t from = 3 * (i / 2) + index;
+    order.widen[i] = static_cast<std::uint8_t>(from < 64 ? from : 64 + from - 32);
+    const std::size_t at = 64 * index + i;
+    const std::size_t pixel = at / 3;
+    // PackBytes joins the halves, of 32 pixels each, by eights.
+    const std::size_t place = pixel % 32 / 8 * 16 + pixel / 32 * 8 + pixel % 8;
+    order.first_two[i] = static_cast<std::uint8_t>(at % 3 == 1 ? 64 + place : place);
+    order.third[i] = static_cast<std::uint8_t>(place);
+    order.takes_third |= at % 3 == 2 ? std::uint64_t{1} << i : 0;
   }
-  return orders;
+  return order;
 }
-constexpr PixelOrders kPixelOrders = MakePixelOrders();
-constexpr __mmask64 kThreeOfFour = 0x7777777777777777;
-constexpr __mmask64 kPackedBytes = 0x0000FFFFFFFFFFFF;
+template <std::size_t kIndex>
+constexpr ChannelOrder kChannelOrder = MakeChannelOrder(kIndex);
+constexpr __mmask64 kLowBytes = 0x5555555555555555;
 
-inline Vector LoadPixels(const std::uint8_t* p) {
-  const Vector bytes = _mm512_maskz_loadu_epi8(kPackedBytes, p);
-  return _mm512_maskz_permutexvar_epi8(kThreeOfFour, _mm512_load_si512(kPixelOrders.spread), bytes);
+// The channels of pixels: in 16-bit lanes those of one half of a vector's pixels, in
+// bytes all of them, as PackBytes joins the halves.
+struct Channels {
+  Vector c0;
+  Vector c1;
+  Vector c2;
+};
+template <int kHalf>
+inline Channels LoadChannels(const std::uint8_t* p) {
+  const Vector first = Load(p + 96 * kHalf);
+  const Vector last = Load(p + 96 * kHalf + 32);
+  const auto channel = [&](const ChannelOrder& order) {
+    return _mm512_maskz_permutex2var_epi8(kLowBytes, first, _mm512_load_si512(order.widen), last);
+  };
+  return {channel(kChannelOrder<0>), channel(kChannelOrder<1>), channel(kChannelOrder<2>)};
 }
-inline void StorePixels(std::uint8_t* p, Vector v) {
-  const Vector packed = _mm512_permutexvar_epi8(_mm512_load_si512(kPixelOrders.pack), v);
-  _mm512_mask_storeu_epi8(p, kPackedBytes, packed);
+inline void StoreChannels(std::uint8_t* p, const Channels& pixels) {
+  const auto part = [&](const ChannelOrder& order) {
+    const Vector two =
+        _mm512_permutex2var_epi8(pixels.c0, _mm512_load_si512(order.first_two), pixels.c1);
+    return _mm512_mask_permutexvar_epi8(two, MaskOf(order.takes_third),
+                                        _mm512_load_si512(order.third), pixels.c2);
+  };
+  Store(p, part(kChannelOrder<0>));
+  Store(p + 64, part(kChannelOrder<1>));
+  Store(p + 128, part(kChannelOrder<2>));
 }
 
 }  // namespace

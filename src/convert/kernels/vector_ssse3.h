@@ -142,15 +142,6 @@ struct Wide32 {
   static Vector Even(Vector v) { return And(v, _mm_set1_epi32(0x0000FFFF)); }
   static Vector Add(Vector a, Vector b) { return _mm_add_epi32(a, b); }
   static Vector Sub(Vector a, Vector b) { return _mm_sub_epi32(a, b); }
-  template <int kByte>
-  static Vector Byte(Vector v) {
-    return And(_mm_srli_epi32(v, 8 * kByte), Set(0xFF));
-  }
-  template <int kCount>
-  static Vector ShiftLeft(Vector v) {
-    return _mm_slli_epi32(v, kCount);
-  }
-  static Vector ToHigh(Vector v) { return ShiftLeft<16>(v); }
   static Vector Abs(Vector a) { return _mm_abs_epi32(a); }
   template <int kCount>
   static Vector ShiftRight(Vector v) {
@@ -285,18 +276,42 @@ struct Lanes16 {
 };
 
 inline Vector MultiplyAdd(Vector a, Vector b) { return _mm_madd_epi16(a, b); }
+// Words to the 32-bit lanes that PackWords puts in order again.
+inline Vector UnpackLowWords(Vector a, Vector b) { return _mm_unpacklo_epi16(a, b); }
+inline Vector UnpackHighWords(Vector a, Vector b) { return _mm_unpackhi_epi16(a, b); }
+inline Vector PackWords(Vector low, Vector high) { return _mm_packs_epi32(low, high); }
+inline Vector PackBytes(Vector first, Vector second) { return _mm_packus_epi16(first, second); }
 
-// Four pixels of 3 bytes to and from 32-bit lanes.
-inline Vector LoadPixels(const std::uint8_t* p) {
-  return _mm_shuffle_epi8(Load(p),
-                          _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1));
+inline Vector InOrder(Vector v, const std::int8_t* order) {
+  return _mm_shuffle_epi8(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(order)));
 }
-inline void StorePixels(std::uint8_t* p, Vector v) {
-  const Vector packed =
-      _mm_shuffle_epi8(v, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), packed);
-  const int last = _mm_cvtsi128_si32(_mm_srli_si128(packed, 8));
-  __builtin_memcpy(p + 8, &last, sizeof(last));
+
+// The channels of pixels: in 16-bit lanes those of one half of a vector's pixels, in
+// bytes all of them, in the order in which PackBytes joins the halves.
+struct Channels {
+  Vector c0;
+  Vector c1;
+  Vector c2;
+};
+template <int kHalf>
+inline Channels LoadChannels(const std::uint8_t* p) {
+  const Vector first = Load(p + 24 * kHalf);
+  const Vector last = Load(p + 24 * kHalf + 8);
+  const auto channel = [&](const WidenOrder& order) {
+    return Or(InOrder(first, order.first), InOrder(last, order.last));
+  };
+  return {channel(kWidenOrder<0>), channel(kWidenOrder<1>), channel(kWidenOrder<2>)};
+}
+template <int kPart>
+inline Vector ChannelsPart(const Channels& pixels) {
+  return Or(InOrder(pixels.c0, kChannelOrder<0, kPart>.index),
+            Or(InOrder(pixels.c1, kChannelOrder<1, kPart>.index),
+               InOrder(pixels.c2, kChannelOrder<2, kPart>.index)));
+}
+inline void StoreChannels(std::uint8_t* p, const Channels& pixels) {
+  Store(p, ChannelsPart<0>(pixels));
+  Store(p + 16, ChannelsPart<1>(pixels));
+  Store(p + 32, ChannelsPart<2>(pixels));
 }
 
 }  // namespace
