@@ -19,6 +19,7 @@ void Expand(const Frame<Form>& frame, GreyKernel Kernels::*kernel) {
       job.samples = frame.SourceRow(y);
       job.next_samples = y > 0 ? frame.SourceRow(y - 1) : nullptr;
       job.out = target.Begin(frame.ImageRow(y), 1);
+      job.next_out = target.Prefetches() && y > 0 ? frame.ImageRow(y - 1) : nullptr;
       job.stream = target.Underway();
       job.width = frame.width;
       (kernels->*kernel)(job);

@@ -11,9 +11,9 @@
 
 namespace ormidex::convert {
 
-// From this size on an image does not stay in a processor core's caches between its
-// rows, and the next output row is fetched while one is computed.
-inline constexpr std::size_t kPrefetchFromBytes = std::size_t{6} << 20;
+// From this size on an image does not stay in a processor core's own cache, of 1 or 2 MiB,
+// between its rows, and the next output row is fetched while one is computed.
+inline constexpr std::size_t kPrefetchFromBytes = std::size_t{3} << 19;
 // From this size on it does not stay in any cache: fetching its lines only to overwrite
 // them costs more than writing past the caches. What a virtual machine says of its
 // caches is no guide, so both sizes are fixed.
