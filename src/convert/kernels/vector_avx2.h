@@ -198,6 +198,8 @@ template <std::size_t kLaneBytes, std::size_t kPart>
 constexpr GreyOrder kGreyOrder = MakeGreyOrder(kLaneBytes, kPart);
 
 struct Lanes8 {
+  // EvenOdd has a form that inverts.
+  static constexpr bool kInverts = false;
   static constexpr std::size_t kLaneBytes = 1;
   static constexpr int kMax = 255;
   using Wide = Wide16;
@@ -243,6 +245,7 @@ struct Lanes8 {
 };
 
 struct Lanes16 {
+  static constexpr bool kInverts = false;
   static constexpr std::size_t kLaneBytes = 2;
   static constexpr int kMax = 65535;
   using Wide = Wide32;

@@ -212,6 +212,8 @@ inline __mmask64 MaskOf(std::uint64_t bits) { return bits; }
 #endif
 
 struct Lanes8 {
+  // EvenOdd has a form that inverts.
+  static constexpr bool kInverts = true;
   static constexpr std::size_t kLaneBytes = 1;
   static constexpr int kMax = 255;
   using Wide = Wide16;
@@ -243,6 +245,9 @@ struct Lanes8 {
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0xCA);
   }
+  static Vector InvertedEvenOdd(Vector even, Vector odd) {
+    return _mm512_ternarylogic_epi64(_mm512_set1_epi16(0x00FF), even, odd, 0x35);
+  }
   template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
     Put<kWay>(out, Part<kHasRed, kOddSites, 0>(outer, own, inner));
@@ -265,6 +270,7 @@ struct Lanes8 {
 };
 
 struct Lanes16 {
+  static constexpr bool kInverts = true;
   static constexpr std::size_t kLaneBytes = 2;
   static constexpr int kMax = 65535;
   using Wide = Wide32;
@@ -294,6 +300,9 @@ struct Lanes16 {
   }
   static Vector EvenOdd(Vector even, Vector odd) {
     return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0xCA);
+  }
+  static Vector InvertedEvenOdd(Vector even, Vector odd) {
+    return _mm512_ternarylogic_epi64(_mm512_set1_epi32(0x0000FFFF), even, odd, 0x35);
   }
   template <bool kHasRed, bool kOddSites = false, Way kWay = Way::kCached>
   static void StoreSites(std::uint8_t* out, Vector outer, Vector own, Vector inner) {
