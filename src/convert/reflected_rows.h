@@ -125,7 +125,7 @@ const Kernels* KernelsForWidth(std::size_t width) {
 template <typename Form, typename Code>
 class ReflectedDrive {
  public:
-  static constexpr std::size_t kStripColumns = 2048 / Form::kChannelBytes;
+  static constexpr std::size_t kStripColumns = 4096 / Form::kChannelBytes;
 
   ReflectedDrive(const Code& code, const Kernels& kernels, std::size_t begin, std::size_t end)
       : code_(code),
