@@ -34,9 +34,8 @@ class SiteRows {
   SiteRows(const Frame<Form>& frame, const Kernels& kernels, std::uint8_t* memory)
       : frame_(frame), kernels_(kernels), stride_(Stride(frame.width)), memory_(memory) {}
 
-  // Pair k holds rows 2 k and 2 k + 1, reflected where the frame has none. From pair -1 on
-  // they must be asked for in ascending order; one above and two below the one that is
-  // made of them are kept.
+  // Pair k holds rows 2 k and 2 k + 1, reflected where the frame has none. Pairs must be
+  // asked for in ascending order, from -1 on; the two before the last one stay.
   SitePair At(std::ptrdiff_t k) {
     // One pair ahead, so that what is loaded is not still on its way from the store.
     for (; next_ <= k + 1; ++next_) {
